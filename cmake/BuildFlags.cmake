@@ -1,0 +1,36 @@
+# Compiler and linker flags of the two kinds of build. Everything in the tree is compiled with the
+# warnings below as errors; what comes from the platform or from GoogleTest is a system include.
+
+add_library(build_warnings INTERFACE)
+target_compile_options(build_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnull-dereference
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Wformat=2 -Wundef -Werror)
+
+include_directories(${CMAKE_SOURCE_DIR})
+
+# Paths of the build machine stay out of the binaries, so two builds of one commit are equal.
+add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -fno-common)
+
+if(WIN32)
+  # UNICODE is left undefined on purpose: the code names the A or the W form that it means.
+  add_compile_definitions(_WIN32_WINNT=0x0601 WINVER=0x0601)
+  # One PE file and nothing beside it: the C++ runtime, threads and stack protector are linked in.
+  add_compile_options(-fstack-protector-strong -ffunction-sections -fdata-sections)
+  add_link_options(-static -fstack-protector-strong -Wl,--gc-sections
+    -Wl,--no-insert-timestamp -Wl,--dynamicbase -Wl,--high-entropy-va -Wl,--nxcompat)
+else()
+  # Windows' own types on Linux: 16-bit wchar_t and the Windows headers that Wine brings.
+  add_compile_options(-fshort-wchar -fno-omit-frame-pointer)
+  add_compile_definitions(WINE_UNICODE_NATIVE _WIN32_WINNT=0x0601 WINVER=0x0601)
+  include_directories(SYSTEM /usr/include/wine/wine/windows)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # clang has the needed extensions without the flag, and with it refuses these headers.
+    add_compile_options(-fms-extensions)
+  endif()
+  # The runtime calls that Windows has and glibc lacks are declared before all else.
+  add_compile_options(-include ${CMAKE_SOURCE_DIR}/tests/doubles/WindowsRuntime.h)
+  if(KESTREL_SANITIZE)
+    add_compile_options(-fsanitize=${KESTREL_SANITIZE} -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${KESTREL_SANITIZE})
+  endif()
+endif()
