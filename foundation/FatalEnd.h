@@ -1,0 +1,27 @@
+#ifndef FOUNDATION_FATALEND_H
+#define FOUNDATION_FATALEND_H
+
+#include <errno.h>
+
+// Ends the process at once with the code STATUS_INVALID_CRUNTIME_PARAMETER: no exit handler, no
+// exception filter and no destructor runs.
+[[noreturn]] void EndOnInvalidParameter();
+
+// Takes the result of a checked runtime text call (wcscpy_s and its kin) and returns only if it
+// is 0. Some Windows runtimes end the process themselves when a text doesn't fit, the one that this
+// program links only says so: every checked call passes its result through here.
+inline void RequireFits(errno_t result)
+{
+  if (result != 0)
+    EndOnInvalidParameter();
+}
+
+// The same for the checked printf calls, which give the count of characters written, or a negative
+// number.
+inline void RequireFormatted(int written)
+{
+  if (written < 0)
+    EndOnInvalidParameter();
+}
+
+#endif

@@ -1,0 +1,24 @@
+#ifndef TESTS_MEMORY_ALLOCATIONLOG_H
+#define TESTS_MEMORY_ALLOCATIONLOG_H
+
+// Replaces new and delete of the test program, so that a test sees what is allocated, from before
+// the static objects on, and what memory holds at the moment in which it is freed.
+
+#include <stddef.h>
+
+// How many allocations were made so far, by new and new[] together.
+size_t AllocationCount();
+
+// Position of the array at memory in the order of all allocations, -1 if new[] never gave it.
+int AllocationPosition(const void* memory);
+
+// Copies the bytes of the array at memory when delete[] gets it. One array at a time.
+void WatchArray(const void* memory, size_t bytes);
+
+// True once the watched array was freed.
+bool WatchedArrayWasFreed();
+
+// Byte of the watched array as it was when it was freed.
+unsigned char FreedByte(size_t index);
+
+#endif
