@@ -1,0 +1,60 @@
+# Shared by the scripts beside it: packages, steps with a log each, presets.
+# shellcheck shell=bash
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+logs=$root/build/logs
+mkdir -p "$logs"
+cd "$root"
+
+# step TEXT COMMAND... runs a command with its output in a file of its own, and shows one line. On
+# failure it prints the command, the end of its output and where the rest is, and ends the script.
+step() {
+  local text=$1 log start
+  shift
+  log=$logs/$(printf '%s' "$text" | tr -cs 'A-Za-z0-9' '-' | tr 'A-Z' 'a-z' | sed 's/-$//').log
+  start=$SECONDS
+  printf '%-60s' "$text ..."
+  if "$@" >"$log" 2>&1; then
+    printf 'ok (%d s)\n' $((SECONDS - start))
+    return 0
+  fi
+  printf 'FAILED\n\n'
+  tail -n 60 "$log"
+  printf '\nThis command failed: %s\nIts whole output: %s\n' "$*" "${log#"$root"/}"
+  exit 1
+}
+
+# Debian packages that the two commands need, and nothing else is installed by hand.
+build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix wine64 libwine-dev wixl)
+test_packages=(googletest clang clang-format clang-tidy libclang-rt-14-dev)
+bench_packages=(libbenchmark-dev python3)
+
+missing_packages() {
+  local package
+  for package in "$@"; do
+    dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed ||
+      printf '%s\n' "$package"
+  done
+}
+
+apt_install() {
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  "${as_root[@]}" apt-get update &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+      apt-get install -y --no-install-recommends "$@"
+}
+
+install_packages() {
+  local missing
+  mapfile -t missing < <(missing_packages "$@")
+  if [ "${#missing[@]}" -gt 0 ]; then
+    step "Installing ${#missing[@]} Debian packages" apt_install "${missing[@]}"
+  fi
+}
+
+build_preset() {
+  local preset=$1
+  shift
+  cmake --preset "$preset" && cmake --build --preset "$preset" "$@"
+}
