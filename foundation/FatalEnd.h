@@ -16,11 +16,12 @@ inline void RequireFits(errno_t result)
     EndOnInvalidParameter();
 }
 
-// The same for the checked printf calls, which give the count of characters written, or a negative
-// number.
-inline void RequireFormatted(int written)
+// The same for the checked printf calls into a buffer of size characters, which give the count of
+// characters written, or a negative number. A count of size or more is an overflow as well: some
+// runtimes give it for a text that lacks only the room for its terminator.
+inline void RequireFormatted(int written, int size)
 {
-  if (written < 0)
+  if (written < 0 || written >= size)
     EndOnInvalidParameter();
 }
 

@@ -158,7 +158,7 @@ QulString& QulString::Format(const wchar_t* format, ...)
   QulWideScratch[0] = L'\0';
   va_list arguments;
   va_start(arguments, format);
-  RequireFormatted(vswprintf_s(QulWideScratch, QulStringLimit, format, arguments));
+  RequireFormatted(vswprintf_s(QulWideScratch, QulStringLimit, format, arguments), QulStringLimit);
   va_end(arguments);
   return Assign(QulWideScratch);
 }
@@ -168,7 +168,7 @@ QulString& QulString::FormatNarrow(const char* format, ...)
   QulNarrowScratch[0] = '\0';
   va_list arguments;
   va_start(arguments, format);
-  RequireFormatted(vsprintf_s(QulNarrowScratch, QulStringLimit, format, arguments));
+  RequireFormatted(vsprintf_s(QulNarrowScratch, QulStringLimit, format, arguments), QulStringLimit);
   va_end(arguments);
   return AssignNarrow(QulNarrowScratch);
 }
