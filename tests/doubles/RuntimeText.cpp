@@ -30,15 +30,12 @@ errno_t Refuse(Character* destination, errno_t error)
 
 // The errors that copying and appending share; 0 if there is none.
 template <typename Character>
-errno_t CheckArguments(const char* function, Character* destination, size_t size,
-                       const Character* source)
+errno_t CheckDestination(const char* function, Character* destination, size_t size)
 {
   if (destination == nullptr || size == 0)
     return EINVAL;
   unsigned long code = 0;
-  if (TakeFault(function, code))
-    return Refuse(destination, static_cast<errno_t>(code));
-  return source == nullptr ? Refuse(destination, EINVAL) : 0;
+  return TakeFault(function, code) ? Refuse(destination, static_cast<errno_t>(code)) : 0;
 }
 
 // Puts up to count characters of source behind the first `used` ones.
@@ -63,24 +60,27 @@ template <typename Character>
 errno_t Copy(const char* function, Character* destination, size_t size, const Character* source,
              size_t count)
 {
-  // No character is asked for: not even the source is looked at.
   if (count == 0 && destination == nullptr && size == 0)
     return 0;
-  if (count == 0 && destination != nullptr && size > 0)
+  const errno_t error = CheckDestination(function, destination, size);
+  if (error != 0)
+    return error;
+  // No character is asked for: not even the source is looked at.
+  if (count == 0)
     return Refuse(destination, 0);
-  const errno_t error = CheckArguments(function, destination, size, source);
-  return error != 0 ? error : PutAt(destination, 0, size, source, count);
+  return source == nullptr ? Refuse(destination, EINVAL)
+                           : PutAt(destination, 0, size, source, count);
 }
 
 template <typename Character>
 errno_t Append(const char* function, Character* destination, size_t size, const Character* source,
                size_t count)
 {
-  if (count == 0 && destination != nullptr && size > 0)
-    return 0;
-  const errno_t error = CheckArguments(function, destination, size, source);
-  if (error != 0)
+  const errno_t error = CheckDestination(function, destination, size);
+  if (error != 0 || count == 0)
     return error;
+  if (source == nullptr)
+    return Refuse(destination, EINVAL);
   const size_t used = LengthWithin(destination, size);
   if (used == size)
     return Refuse(destination, EINVAL);

@@ -21,6 +21,7 @@ struct LoggedArray
 LoggedArray arrays[LoggedArrays];
 size_t arrayCount;
 size_t allocationCount;
+bool failNext;
 
 const void* watchedMemory;
 size_t watchedBytes;
@@ -29,7 +30,8 @@ unsigned char freedBytes[WatchedBytes];
 
 void* Allocate(size_t size)
 {
-  void* memory = malloc(size > 0 ? size : 1);
+  void* memory = failNext ? nullptr : malloc(size > 0 ? size : 1);
+  failNext = false;
   if (memory == nullptr)
     throw std::bad_alloc();
   ++allocationCount;
@@ -113,4 +115,9 @@ bool WatchedArrayWasFreed()
 unsigned char FreedByte(size_t index)
 {
   return freedBytes[index];
+}
+
+void FailNextAllocation()
+{
+  failNext = true;
 }

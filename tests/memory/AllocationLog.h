@@ -21,4 +21,7 @@ bool WatchedArrayWasFreed();
 // Byte of the watched array as it was when it was freed.
 unsigned char FreedByte(size_t index);
 
+// Makes the next new or new[] throw std::bad_alloc.
+void FailNextAllocation();
+
 #endif

@@ -5,6 +5,8 @@
 
 #include <string.h>
 
+#include <new>
+
 namespace {
 
 bool FreedBytesAreZero(size_t bytes)
@@ -115,4 +117,32 @@ TEST(Copies, OfAHandleAreMadeWithoutAnAllocation)
   const QulString whole = text.Left(3);
   EXPECT_EQ(before, AllocationCount());
   EXPECT_EQ(text.repr, whole.repr);
+}
+
+TEST(Pieces, OfNoCharactersPassThroughATemporaryArrayAllTheSame)
+{
+  const QulString text(L"abc");
+  const size_t before = AllocationCount();
+  const QulString left = text.Left(0);
+  const QulString right = text.Right(0);
+  EXPECT_EQ(before + 2, AllocationCount());
+  EXPECT_EQ(QulStringEmptyRepr, left.repr);
+  EXPECT_EQ(QulStringEmptyRepr, right.repr);
+}
+
+TEST(OutOfMemory, LeavesAHandleThatWasBeingAssignedEmpty)
+{
+  QulString text(L"before");
+  FailNextAllocation();
+  EXPECT_THROW(text.Assign(L"after"), std::bad_alloc);
+  EXPECT_EQ(QulStringEmptyRepr, text.repr);
+}
+
+TEST(OutOfMemory, LeavesTheOldTextWhereTheNewOneIsComposedFirst)
+{
+  QulString text(L"before");
+  const QulString tail(L" and after");
+  FailNextAllocation();
+  EXPECT_THROW(text.Append(tail), std::bad_alloc);
+  EXPECT_STREQ(L"before", text.Text());
 }
