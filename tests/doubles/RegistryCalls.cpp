@@ -343,6 +343,8 @@ LSTATUS WINAPI RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD nameSiz
     status = static_cast<LSTATUS>(code);
   else if (reserved == nullptr && name != nullptr && nameSize != nullptr)
     status = EnumKey(key, index, name, nameSize);
+  if (status == ERROR_SUCCESS && TakeFault("RegEnumKeyExW with a name", code))
+    status = static_cast<LSTATUS>(code);
   const bool given = status == ERROR_SUCCESS;
   if (given && lastWrite != nullptr)
     *lastWrite = FILETIME{0x12345678, 0x01CA0000};

@@ -11,6 +11,9 @@
 // at each use. Use of a closed or unknown handle gives error 6 and fails the test in the end; a
 // null handle gives error 6 and no more, for the code under test closes null by design.
 //
+// FailCall("RegEnumKeyExW with a name", n, code) makes the n-th call that finds a subkey give its
+// name and report the error all the same.
+//
 // The roots are HKEY_CLASSES_ROOT, HKEY_CURRENT_USER and HKEY_LOCAL_MACHINE. The two views differ
 // below HKLM\Software and HKCR\CLSID, and nowhere else. The 32-bit ones lie below
 // HKLM\Software\Wow6432Node and HKCR\Wow6432Node\CLSID, as they do on Windows.

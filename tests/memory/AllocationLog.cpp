@@ -1,5 +1,6 @@
 #include "tests/memory/AllocationLog.h"
 
+#include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -30,7 +31,9 @@ unsigned char freedBytes[WatchedBytes];
 
 void* Allocate(size_t size)
 {
-  void* memory = failNext ? nullptr : malloc(size > 0 ? size : 1);
+  // Sanitizers report a size that no memory has before malloc can refuse it.
+  const bool refused = failNext || size > PTRDIFF_MAX;
+  void* memory = refused ? nullptr : malloc(size > 0 ? size : 1);
   failNext = false;
   if (memory == nullptr)
     throw std::bad_alloc();

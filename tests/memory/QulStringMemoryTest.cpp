@@ -5,6 +5,7 @@
 
 #include <string.h>
 
+#include <limits>
 #include <new>
 
 namespace {
@@ -128,6 +129,17 @@ TEST(Pieces, OfNoCharactersPassThroughATemporaryArrayAllTheSame)
   EXPECT_EQ(before + 2, AllocationCount());
   EXPECT_EQ(QulStringEmptyRepr, left.repr);
   EXPECT_EQ(QulStringEmptyRepr, right.repr);
+}
+
+TEST(Pieces, OfACountBelowMinusOneAreMoreThanMemoryGives)
+{
+  const QulString text(L"abc");
+  for (const int count : {-2, -3, -1000000, std::numeric_limits<int>::min()}) {
+    QulString target(L"kept");
+    EXPECT_THROW((void)text.Mid(1, count), std::bad_alloc) << count;
+    EXPECT_THROW((void)target.SubString(text, 1, count), std::bad_alloc) << count;
+    EXPECT_STREQ(L"kept", target.Text());
+  }
 }
 
 TEST(OutOfMemory, LeavesAHandleThatWasBeingAssignedEmpty)
