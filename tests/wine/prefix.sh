@@ -20,9 +20,17 @@ case $action in
       timeout 60 "$server" -w
       touch "$mark"
     fi
-    # A held server makes each start quick, and spares it the rare failure of a cold one. Only a
-    # server that already runs makes the call fail.
-    "$server" -p </dev/null >"$WINEPREFIX/wineserver.log" 2>&1 || true
+    # A held server makes each start quick, and spares it the rare failure of a cold one. A server
+    # that already runs can't be held: it may be a straggler of the first start, which ends by
+    # itself, or one that an interrupted run has held.
+    for _ in 1 2 3; do
+      if "$server" -p </dev/null >"$WINEPREFIX/wineserver.log" 2>&1; then
+        held=yes
+        break
+      fi
+      timeout 15 "$server" -w || "$server" -k || true
+    done
+    [ "${held:-no}" = yes ] || { echo "prefix.sh: no server could be held"; exit 1; }
     timeout 60 "$wine" cmd /c exit </dev/null >"$WINEPREFIX/warm.log" 2>&1
     ;;
   end)
