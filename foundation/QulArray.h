@@ -4,7 +4,7 @@
 #include <stddef.h>
 
 // A dense growable array. All elements up to the capacity are constructed at any time; the
-// capacity goes up in whole multiples of the growth step. An array of pointers doesn't own what
+// capacity grows by whole steps. An array of pointers doesn't own what
 // they point to.
 template <typename Element>
 class QulArray

@@ -19,8 +19,8 @@ struct HostKeyScope
   REGSAM enumerationAccess;
 };
 
-// Host version 15 is looked up per machine in the 32-bit view (useMachineRoot), all others per user
-// in the native view.
+// With useMachineRoot the scope of version 15, whose records are the machine's and 32-bit; without
+// it that of every later version, whose records are the user's.
 HostKeyScope ScopeOfHostKeys(bool useMachineRoot);
 
 // Reads a text value of up to 250 characters from an open key. A value that is absent, longer or

@@ -3,7 +3,7 @@
 
 #include <stdint.h>
 
-// Index of the host's version: 0, 1, 2, 3 stand for the versions 15, 16, 17, 18.
+// The host's version as an index: 0 is version 15, and so on to 3 for version 18.
 using HostRelease = int32_t;
 
 // A version that the add-on has no loader for.

@@ -5,7 +5,7 @@
 #include "host/HostRelease.h"
 
 // Chooses the host to start: the one that the switch in commandLine demands, else version 15 if
-// drawing files belong to it, else the host's own record of the current product and version.
+// drawing files belong to it, else the version that the host last recorded as current.
 // commandLine comes in as the user's arguments and becomes the host's command line on every road.
 // hostKeyPath becomes the path of the host's key as far as it was found; hostExecutable is empty if
 // no host was found. hostIs64Bit comes in false. The release has the value reached so far when the
@@ -13,8 +13,8 @@
 HostRelease SelectHost(QulString& commandLine, QulString& hostKeyPath, QulString& hostExecutable,
                        bool& hostIs64Bit);
 
-// The number made of the last two characters of the class that drawing files belong to: 0 if they
-// are no number, -1 if the class can't be read.
+// The version number at the end of the class name of drawing files, two characters long: 0 if there
+// is no number, -1 if the class can't be read.
 int ReadDwgAssociationVersion();
 
 #endif

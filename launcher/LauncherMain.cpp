@@ -54,7 +54,7 @@ int32_t LauncherMain(HINSTANCE /*instance*/, HINSTANCE /*previousInstance*/, con
               static_cast<size_t>(loaderPath.Length()) * sizeof(wchar_t));
   }
 
-  // The Startup key stays open to the end of the process.
+  // The handle of the Startup key is given up here; the system closes it when the process ends.
   if (RegOpenKeyExW(HKEY_CURRENT_USER, AddOnKey, 0, KEY_SET_VALUE, &key) != ERROR_SUCCESS)
     return 0;
   WriteText(key, L"ProfileName", ProfileName, sizeof(ProfileName));
