@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Times the launcher under Wine against programs that do nothing, turn by turn in one run.
 
-usage: launch_ratio.py ROUNDS LAUNCHER ARGUMENT EMPTY_PROGRAM EMPTY_SHELL_PROGRAM
+usage: launch_ratio.py ROUNDS LAUNCHER ARGUMENT EMPTY_PROGRAM...
 
 The environment names the prefix (WINEPREFIX) and a server is held there. Wall time is from the
 start of the process to its end; memory is the largest resident size that the kernel saw.
@@ -23,14 +23,15 @@ def run(command):
     return (time.perf_counter() - start) * 1000, usage.ru_maxrss / 1024
 
 
+def name_of(program):
+    return os.path.splitext(os.path.basename(program))[0]
+
+
 def main():
     rounds = int(sys.argv[1])
-    launcher, argument, empty, empty_shell = sys.argv[2:6]
-    programs = {
-        "empty program": [empty],
-        "empty program with the shell": [empty_shell],
-        "launcher": [launcher, argument],
-    }
+    launcher, argument = sys.argv[2:4]
+    programs = {name_of(program): [program] for program in sys.argv[4:]}
+    programs[name_of(launcher)] = [launcher, argument]
     samples = {name: [] for name in programs}
     for command in programs.values():
         run(command)
@@ -38,13 +39,16 @@ def main():
         for name, command in programs.items():
             samples[name].append(run(command))
 
-    base_time = statistics.median(wall for wall, _ in samples["empty program"])
-    base_memory = statistics.median(peak for _, peak in samples["empty program"])
-    print(f"{'':30}{'median ms':>10}{'ratio':>8}{'peak MiB':>10}{'more':>8}")
-    for name, measured in samples.items():
-        wall = statistics.median(wall for wall, _ in measured)
-        peak = statistics.median(peak for _, peak in measured)
-        print(f"{name:30}{wall:10.1f}{wall / base_time:8.2f}{peak:10.1f}{peak - base_memory:8.1f}")
+    medians = {
+        name: [statistics.median(column) for column in zip(*measured)]
+        for name, measured in samples.items()
+    }
+    own_wall, own_peak = medians[name_of(launcher)]
+    print(f"{'':26}{'median ms':>10}{'peak MiB':>10}{'launcher is':>14}{'and needs':>14}")
+    for name, (wall, peak) in medians.items():
+        ratio = f"{own_wall / wall:.2f} times"
+        more = f"{own_peak - peak:+.1f} MiB"
+        print(f"{name:26}{wall:10.1f}{peak:10.1f}{ratio:>14}{more:>14}")
     print(f"launcher's size: {os.path.getsize(launcher) / 1024:.0f} KiB")
 
 
