@@ -3,6 +3,7 @@
 // is "what -> where": a file that lies beside this program and the full path under which it is to
 // lie. A line that starts with # is a comment.
 
+#include "sandbox/common/MachinePermission.h"
 #include "sandbox/common/SandboxFiles.h"
 
 #include <windows.h>
@@ -83,6 +84,9 @@ int main()
   LocalFree(arguments);
   if (name.empty()) {
     fputs("usage: LayOutMachine <name of a machine>\n", stderr);
+    return 1;
+  }
+  if (!MachineIsOffered()) {
     return 1;
   }
   const std::wstring folder = FolderOf(OwnProgramPath()) + L"\\machines\\" + name;

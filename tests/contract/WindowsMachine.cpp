@@ -1,22 +1,11 @@
 // The contract tests' machine as a Windows program: Wine's prefix or a real Windows.
+#include "sandbox/common/MachinePermission.h"
 #include "tests/contract/ContractTest.h"
 #include "tests/contract/Disagreements.h"
 
-#include "tests/system/MachinePermission.h"
-
-#include <stdio.h>
-
 bool MachineMayBeUsed()
 {
-  wchar_t permission[16] = {};
-  const bool isSet = GetEnvironmentVariableW(PermissionVariable, permission, 16) != 0;
-  if (MayWriteToThisMachine(IsUnderWine(), isSet ? permission : nullptr))
-    return true;
-  (void)fputs(
-      "These tests write to a key of their own in the registry. On a machine where that does no "
-      "harm, set KESTREL_SYSTEM_TESTS=1 and run them again.\n",
-      stderr);
-  return false;
+  return MachineIsOffered();
 }
 
 void PrepareMachine()

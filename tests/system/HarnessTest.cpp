@@ -1,8 +1,8 @@
 // What the other tests rely on: that the harness sees what a program does.
 
+#include "sandbox/common/MachinePermission.h"
 #include "sandbox/common/SandboxFiles.h"
 #include "tests/system/LauncherTest.h"
-#include "tests/system/MachinePermission.h"
 
 namespace {
 
