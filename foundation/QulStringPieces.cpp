@@ -88,10 +88,8 @@ void QulString::TrimLeft(const QulString& set)
   int first = 0;
   while (first < characters.count && Contains(setCharacters, characters.data[first]))
     ++first;
-  if (first == characters.count)
-    Assign(L"");
-  else
-    Assign(FromCharRange(characters, first, characters.count - 1));
+  // No range, and so the empty string, if nothing remains.
+  Assign(FromCharRange(characters, first, characters.count - 1));
 }
 
 void QulString::TrimRight(const QulString& set)
@@ -106,10 +104,7 @@ void QulString::TrimRight(const QulString& set)
   int last = characters.count - 1;
   while (last >= 0 && Contains(setCharacters, characters.data[last]))
     --last;
-  if (last < 0)
-    Assign(L"");
-  else
-    Assign(FromCharRange(characters, 0, last));
+  Assign(FromCharRange(characters, 0, last));
 }
 
 QulString QulString::FromCharRange(const QulCharArray& characters, int first, int last)

@@ -132,7 +132,7 @@ void LocateHostExecutable(QulString hostKeyPath, QulString exeName, QulString& h
   hostExecutable = ReadHostValue(key, L"AcadLocation");
   (void)RegCloseKey(key);
   // A folder that is not recorded becomes a lone backslash; the start of the host then fails.
-  if (hostExecutable.Right(1).Find(L"\\") != 0)
+  if (!hostExecutable.Right(1).EqualsNoCase(L"\\"))
     hostExecutable.Append(L"\\");
   hostExecutable.Append(exeName);
 }

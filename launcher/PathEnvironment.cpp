@@ -1,6 +1,7 @@
 #include "launcher/PathEnvironment.h"
 
 #include "foundation/FatalEnd.h"
+#include "settings/EnvironmentSettings.h"
 
 #include <windows.h>
 
@@ -16,8 +17,8 @@ void ReadAddPath(wchar_t* addPath)
 {
   addPath[0] = L'\0';
   HKEY key = nullptr;
-  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Norvane\\Kestrelforge\\2010\\Environment", 0,
-                    KEY_READ, &key) != ERROR_SUCCESS) {
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, GetEnvironmentKey().Text(), 0, KEY_READ, &key) !=
+      ERROR_SUCCESS) {
     return;
   }
   DWORD type = REG_SZ;

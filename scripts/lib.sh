@@ -29,6 +29,17 @@ build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix wine64 libwine-
 test_packages=(googletest clang clang-format clang-tidy libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev python3)
 
+# use_wine_prefix FOLDER makes the prefix there if need be and holds its server until the script ends.
+# Locale and overrides are those of the tests.
+wine=/usr/lib/wine/wine64
+use_wine_prefix() {
+  export WINEPREFIX=$1 WINEDEBUG=-all LC_ALL=C.UTF-8
+  export WINEDLLOVERRIDES='mscoree,mshtml,winemenubuilder.exe='
+  unset DISPLAY
+  step 'Wine prefix' tests/wine/prefix.sh begin "$WINEPREFIX"
+  trap 'tests/wine/prefix.sh end "$WINEPREFIX" >/dev/null 2>&1' EXIT
+}
+
 missing_packages() {
   local package
   for package in "$@"; do

@@ -81,9 +81,6 @@ std::vector<std::string> PortableExecutable::Imports() const
   for (const auto& import : RecordsOfTable<IMAGE_IMPORT_DESCRIPTOR>(IMAGE_DIRECTORY_ENTRY_IMPORT)) {
     names.push_back(TextAt(import.Name));
   }
-  for (const auto& import : RecordsOfTable<ImgDelayDescr>(IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT)) {
-    names.push_back(TextAt(import.rvaDLLName));
-  }
   return names;
 }
 

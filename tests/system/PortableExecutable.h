@@ -20,7 +20,8 @@ public:
   // Size of one of the tables that the optional header lists (IMAGE_DIRECTORY_ENTRY_...).
   DWORD TableSize(int entry) const;
 
-  // Names of the libraries of the import table and of the delayed imports, in the file's spelling.
+  // Names of the libraries of the import table, in the file's spelling. GNU ld lists no delayed
+  // imports in the headers.
   std::vector<std::string> Imports() const;
 
   // Each time stamp in the file's headers and tables that isn't 0.
