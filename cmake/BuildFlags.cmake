@@ -23,6 +23,10 @@ if(WIN32)
   add_compile_options(-fstack-protector-strong -ffunction-sections -fdata-sections)
   add_link_options(-static -fstack-protector-strong -Wl,--gc-sections
     -Wl,--no-insert-timestamp -Wl,--dynamicbase -Wl,--high-entropy-va -Wl,--nxcompat)
+elseif(KESTREL_DRIVER)
+  # A plain shared object of the machine that it runs on; it gets nothing of Windows.
+  add_compile_options(-fno-omit-frame-pointer -ffunction-sections -fdata-sections)
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 else()
   # Windows' own types on Linux: 16-bit wchar_t and the Windows headers that Wine brings.
   add_compile_options(-fshort-wchar -fno-omit-frame-pointer)
@@ -34,8 +38,9 @@ else()
   endif()
   # The runtime calls that Windows has and glibc lacks are declared before all else.
   add_compile_options(-include ${CMAKE_SOURCE_DIR}/tests/doubles/WindowsRuntime.h)
-  if(KESTREL_SANITIZE)
-    add_compile_options(-fsanitize=${KESTREL_SANITIZE} -fno-sanitize-recover=all)
-    add_link_options(-fsanitize=${KESTREL_SANITIZE})
-  endif()
+endif()
+
+if(KESTREL_SANITIZE)
+  add_compile_options(-fsanitize=${KESTREL_SANITIZE} -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${KESTREL_SANITIZE})
 endif()
