@@ -2,6 +2,7 @@
 
 const wchar_t* const ContractKey = L"Software\\KestrelContract";
 const wchar_t* const ContractVariable = L"KESTREL_CONTRACT";
+const wchar_t* const ContractFolder = L"C:\\KestrelContract";
 
 int main(int argc, char** argv)
 {

@@ -11,6 +11,10 @@
 // - The memory behind a buffer of one byte for a text: Wine puts a terminator there.
 // - The code with which appending to a text without a terminator is refused: ERANGE in Wine, EINVAL
 //   in Windows and in the doubles.
+// - The result of wsprintfW for a text that it cuts: 1,024 in Wine, 1,023 in the doubles.
+// - What a stream delivers of a text that is no valid UTF-8 behind the mark of UTF-8.
+// - Searches find by the alphabet in Wine and in the doubles; Windows has no rule for that, and its
+//   file systems differ.
 
 // Wine stores a terminator behind text that is written without one. The doubles keep exact bytes,
 // as Windows does, since they show the sizes that the code under test writes.

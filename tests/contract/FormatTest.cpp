@@ -1,4 +1,4 @@
-// The checked printf functions.
+// The checked printf functions, and wsprintfW.
 #include "tests/contract/ContractTest.h"
 #include "tests/contract/Disagreements.h"
 
@@ -39,6 +39,27 @@ protected:
 
   wchar_t wide[64];
   char narrow[64];
+};
+
+const wchar_t MessagePoison = static_cast<wchar_t>(0xBDBD);
+
+// A buffer of wsprintfW that is longer than what it may write.
+class MessageFormat : public ContractTest
+{
+protected:
+  MessageFormat() { memset(message, 0xBD, sizeof(message)); }
+
+  // A text of so many letters, which lives until the next call.
+  const wchar_t* Letters(size_t count)
+  {
+    for (size_t i = 0; i < count; ++i)
+      letters[i] = L'x';
+    letters[count] = L'\0';
+    return letters;
+  }
+
+  wchar_t message[1040];
+  wchar_t letters[2048];
 };
 
 }  // namespace
@@ -126,4 +147,44 @@ TEST_F(FormatContract, AWideCharacterBeyondTheCodePageFailsInANarrowText)
 {
   EXPECT_EQ(-1, Narrow(64, "%S", L"\x20AC"));
   EXPECT_EQ(1, Narrow(64, "%S", L"\x00E4"));
+}
+
+TEST_F(MessageFormat, TextIsWideAndNumbersAreDecimal)
+{
+  EXPECT_EQ(14, wsprintfW(message, L"%s|%d|%d|%%", L"a\x20AC", -12, 34567));
+  EXPECT_STREQ(L"a\x20AC|-12|34567|%", message);
+  EXPECT_EQ(MessagePoison, message[15]);
+}
+
+TEST_F(MessageFormat, NullTextIsShownAsSuch)
+{
+  EXPECT_EQ(6, wsprintfW(message, L"%s", static_cast<const wchar_t*>(nullptr)));
+  EXPECT_STREQ(L"(null)", message);
+}
+
+TEST_F(MessageFormat, ATextOf1022CharactersIsWhole)
+{
+  EXPECT_EQ(1022, wsprintfW(message, L"ab%s", Letters(1020)));
+  EXPECT_EQ(L'x', message[1021]);
+  EXPECT_EQ(L'\0', message[1022]);
+  EXPECT_EQ(MessagePoison, message[1023]);
+}
+
+TEST_F(MessageFormat, ALongerTextIsCutAfter1023CharactersAndATerminator)
+{
+  for (const size_t letterCount : {1021u, 1022u, 1023u, 2000u}) {
+    (void)wsprintfW(message, L"ab%s", Letters(letterCount));
+    EXPECT_EQ(L'x', message[1022]);
+    EXPECT_EQ(L'\0', message[1023]);
+    EXPECT_EQ(MessagePoison, message[1024]);
+  }
+}
+
+TEST_F(MessageFormat, WhatFollowsALongTextIsCutToo)
+{
+  (void)wsprintfW(message, L"%s tail", Letters(1021));
+  EXPECT_EQ(L'x', message[1020]);
+  EXPECT_EQ(L' ', message[1021]);
+  EXPECT_EQ(L't', message[1022]);
+  EXPECT_EQ(L'\0', message[1023]);
 }

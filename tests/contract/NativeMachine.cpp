@@ -3,7 +3,9 @@
 #include "tests/contract/Disagreements.h"
 
 #include "tests/doubles/Diary.h"
+#include "tests/doubles/FilesDouble.h"
 #include "tests/doubles/ProcessDouble.h"
+#include "tests/doubles/Text.h"
 
 bool MachineMayBeUsed()
 {
@@ -14,6 +16,16 @@ void PrepareMachine()
 {
   ResetPlatform();
   Processes().SetLongPath("C:\\windows", "C:\\windows");
+}
+
+void PutFile(const std::string& name, const std::string& bytes)
+{
+  Files().Put(Utf8(ContractFolder) + "\\" + name, bytes);
+}
+
+void MakeFolder(const std::string& name)
+{
+  Files().MakeFolder(Utf8(ContractFolder) + "\\" + name);
 }
 
 void CheckMisuse()

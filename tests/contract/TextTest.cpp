@@ -201,6 +201,34 @@ TEST_F(ContractTest, ATextOfSeparatorsHasNoToken)
   EXPECT_EQ(nullptr, strtok_s(empty, ".", &context));
 }
 
+TEST_F(ContractTest, WideTokensAreNeverEmpty)
+{
+  wchar_t text[] = L";;a;b\x20AC;,;c;";
+  wchar_t* context = nullptr;
+  EXPECT_STREQ(L"a", wcstok_s(text, L";,", &context));
+  EXPECT_STREQ(L"b\x20AC", wcstok_s(nullptr, L";,", &context));
+  EXPECT_STREQ(L"c", wcstok_s(nullptr, L";,", &context));
+  EXPECT_EQ(nullptr, wcstok_s(nullptr, L";,", &context));
+  EXPECT_EQ(nullptr, wcstok_s(nullptr, L";,", &context));
+}
+
+TEST_F(ContractTest, AWideTextOfSeparatorsHasNoToken)
+{
+  wchar_t separators[] = L";;";
+  wchar_t empty[] = L"";
+  wchar_t* context = nullptr;
+  EXPECT_EQ(nullptr, wcstok_s(separators, L";", &context));
+  EXPECT_EQ(nullptr, wcstok_s(empty, L";", &context));
+}
+
+TEST_F(ContractTest, AWideTextWithoutSeparatorsIsOneToken)
+{
+  wchar_t text[] = L"a,b";
+  wchar_t* context = nullptr;
+  EXPECT_STREQ(L"a,b", wcstok_s(text, L";", &context));
+  EXPECT_EQ(text + 3, context);
+}
+
 TEST_F(ContractTest, LowerCaseIsOfAsciiAlone)
 {
   wchar_t text[] = L"AZ[`az\x00C4\x0391";

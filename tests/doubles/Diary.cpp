@@ -158,4 +158,7 @@ void ResetPlatform()
   ResetInstaller();
   ResetDebugOutput();
   ResetLastError();
+  // The driver may hold files open.
+  ResetOdbc();
+  ResetFiles();
 }

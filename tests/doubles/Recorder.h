@@ -32,6 +32,8 @@ void ResetVersions();
 void ResetInstaller();
 void ResetDebugOutput();
 void ResetLastError();
+void ResetFiles();
+void ResetOdbc();
 
 // True, with the last error set, if this call is to fail. For functions that return 0 on failure.
 bool FailsWithLastError(const char* function);

@@ -90,9 +90,37 @@ errno_t Append(const char* function, Character* destination, size_t size, const 
 // A count that no text reaches, and not the mark of truncation.
 constexpr size_t WholeText = SIZE_MAX / 4;
 
-bool IsOneOf(char c, const char* set)
+template <typename Character>
+bool IsOneOf(Character c, const Character* set)
 {
-  return c != '\0' && strchr(set, c) != nullptr;
+  if (c == 0)
+    return false;
+  for (; *set != 0; ++set) {
+    if (*set == c)
+      return true;
+  }
+  return false;
+}
+
+template <typename Character>
+Character* NextToken(Character* text, const Character* delimiters, Character** context)
+{
+  if (delimiters == nullptr || context == nullptr || (text == nullptr && *context == nullptr))
+    return nullptr;
+  Character* token = text != nullptr ? text : *context;
+  while (IsOneOf(*token, delimiters))
+    ++token;
+  Character* end = token;
+  while (*end != 0 && !IsOneOf(*end, delimiters))
+    ++end;
+  *context = end;
+  if (end == token)
+    return nullptr;
+  if (*end != 0) {
+    *end = 0;
+    ++*context;
+  }
+  return token;
 }
 
 }  // namespace
@@ -129,22 +157,12 @@ errno_t strcat_s(char* destination, rsize_t size, const char* source)
 
 char* strtok_s(char* text, const char* delimiters, char** context)
 {
-  if (delimiters == nullptr || context == nullptr || (text == nullptr && *context == nullptr))
-    return nullptr;
-  char* token = text != nullptr ? text : *context;
-  while (IsOneOf(*token, delimiters))
-    ++token;
-  char* end = token;
-  while (*end != '\0' && !IsOneOf(*end, delimiters))
-    ++end;
-  *context = end;
-  if (end == token)
-    return nullptr;
-  if (*end != '\0') {
-    *end = '\0';
-    ++*context;
-  }
-  return token;
+  return NextToken(text, delimiters, context);
+}
+
+wchar_t* wcstok_s(wchar_t* text, const wchar_t* delimiters, wchar_t** context)
+{
+  return NextToken(text, delimiters, context);
 }
 
 int _wcsnicmp(const wchar_t* left, const wchar_t* right, size_t count)
