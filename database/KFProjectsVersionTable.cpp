@@ -1,0 +1,6 @@
+#include "database/KFProjectsVersionTable.h"
+
+KFProjectsVersionTable::KFProjectsVersionTable(const QulDatabase& database)
+{
+  ReadAttributeValues(database, L"KFProjectsVersion", rows);
+}

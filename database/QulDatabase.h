@@ -1,0 +1,89 @@
+#ifndef DATABASE_QULDATABASE_H
+#define DATABASE_QULDATABASE_H
+
+#include "foundation/QulArray.h"
+#include "foundation/QulString.h"
+
+#include <stdint.h>
+#include <windows.h>
+// The ODBC headers build on the one above.
+#include <sql.h>
+#include <sqlext.h>
+#include <sqlucode.h>
+
+class InfoTable;
+class KFProjectsVersionTable;
+class KFVersionTable;
+class TableSchema;
+
+// One database reached over ODBC, from its connection to its end, with the small tables that it
+// tells about itself. An object that could not connect is legal: its tables are empty, its numbers
+// 0. Failures are reported by ReportTrace or not at all; only memory that runs out throws.
+class QulDatabase
+{
+public:
+  // Connects and reads the version and info tables. name is the logical name of a product's
+  // database or the file name of a patch. Neither text is null.
+  QulDatabase(const wchar_t* connectionString, const wchar_t* name);
+  QulDatabase(const QulDatabase&) = delete;
+  QulDatabase& operator=(const QulDatabase&) = delete;
+  // Disconnects; every statement of the connection ends with it.
+  virtual ~QulDatabase();
+
+  // Description of a table by the catalogue, without key. The caller owns it. Columns keep the
+  // order of the catalogue; those beyond TableSchema::Capacity are left out. A table that is not
+  // there gives no columns. With hideOtherLanguages the columns that hold other languages' texts
+  // are marked as hidden.
+  virtual TableSchema* ReadTableSchema(const wchar_t* table, bool hideOtherLanguages);
+
+  // Runs one statement and tells whether it succeeded. A statement that touches no row has not
+  // succeeded. A failure is reported with the statement. The object is connected.
+  // NOLINTNEXTLINE(readability-identifier-naming): the trace of a failure speaks of it by this
+  // name.
+  bool executeSQL(const wchar_t* statement);
+
+  // Drops a table. A failure is reported. The object is connected.
+  void DropTable(const wchar_t* table);
+
+  // Whether the catalogue knows a table with a column. A catalogue that fails in the middle of the
+  // answer counts as yes.
+  bool TableExists(const wchar_t* table);
+
+  // The names of the tables, views left out; asked of the catalogue at the first call, and again as
+  // long as it has given none.
+  QulArray<QulString>& GetTableNames();
+
+  QulString GetName() const { return name; }
+
+  // Frees a statement of this connection and returns ODBC's code; -1 on an unconnected object.
+  int32_t FreeStatement(SQLHSTMT statement) const;
+
+  // Numbers of this database's version, as they were read at the connection. 0 stands for a number
+  // that is missing or has anything but digits; the service pack's number may have a sign, blanks
+  // in front and text behind it.
+  int32_t GetMajorNumber() const;
+  int32_t GetMinorNumber() const;
+  int32_t GetCommMajorVersion() const;
+  int32_t GetCommMinorVersion() const;
+  int32_t GetCommSPNumber() const;
+  int32_t GetBuildNumber() const;
+
+  // True if the version is lower than that of other, by major, minor, service pack and build
+  // number in this order. A strict weak order. False if other is null.
+  bool IsOlderThan(const QulDatabase* other) const;
+
+  KFProjectsVersionTable* projectsVersionTable = nullptr;  // owned
+  InfoTable* infoTable = nullptr;                          // owned
+  KFVersionTable* versionTable = nullptr;                  // owned
+  QulArray<QulString> tableNames;
+  bool connected = false;
+  QulString connectionString;
+  QulString name;
+  SQLHENV environmentHandle = SQL_NULL_HENV;
+  SQLHDBC connectionHandle = SQL_NULL_HDBC;
+
+private:
+  const wchar_t* Connect();
+};
+
+#endif
