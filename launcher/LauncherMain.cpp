@@ -6,6 +6,7 @@
 #include "launcher/PathEnvironment.h"
 #include "launcher/ProductModules.h"
 #include "settings/EnvironmentSettings.h"
+#include "update/DatabaseUpdateManager.h"
 
 namespace {
 
@@ -63,6 +64,7 @@ int32_t LauncherMain(HINSTANCE /*instance*/, HINSTANCE /*previousInstance*/, con
 
   RegisterDemandLoad(hostKeyPath, hostRelease, hostIs64Bit);
   RepairInstallation();
+  RunDatabaseUpdate(0, 0);
   // Last before the start: the host inherits the new PATH, the repair doesn't.
   UpdatePathEnvironment();
   StartHost(hostExecutable, commandLine);

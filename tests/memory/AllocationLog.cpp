@@ -22,27 +22,80 @@ struct LoggedArray
 LoggedArray arrays[LoggedArrays];
 size_t arrayCount;
 size_t allocationCount;
-bool failNext;
+
+// The failure that is to come: of the allocations that it is about, the one behind so many others.
+enum class Failing
+{
+  None,
+  All,
+  Arrays,
+  OneSize
+};
+Failing failing;
+size_t failingBytes;
+int allocationsBefore;
+bool failed;
+
+bool fillsArrays;
+unsigned char fillByte;
+
+size_t followedBytes;
+size_t followedArrays;
+constexpr size_t FollowedArraysAtATime = 256;
+const void* liveArrays[FollowedArraysAtATime];
 
 const void* watchedMemory;
 size_t watchedBytes;
 bool watchedFreed;
 unsigned char freedBytes[WatchedBytes];
 
-void* Allocate(size_t size)
+void OrderFailure(Failing kind, size_t bytes, int n)
+{
+  failing = kind;
+  failingBytes = bytes;
+  allocationsBefore = n - 1;
+  failed = false;
+}
+
+bool IsToFail(size_t size, bool isArray)
+{
+  const bool counts = failing == Failing::All || (failing == Failing::Arrays && isArray) ||
+                      (failing == Failing::OneSize && size == failingBytes);
+  if (!counts || allocationsBefore-- > 0)
+    return false;
+  failing = Failing::None;
+  failed = true;
+  return true;
+}
+
+void* Allocate(size_t size, bool isArray)
 {
   // Sanitizers report a size that no memory has before malloc can refuse it.
-  const bool refused = failNext || size > PTRDIFF_MAX;
+  const bool refused = IsToFail(size, isArray) || size > PTRDIFF_MAX;
   void* memory = refused ? nullptr : malloc(size > 0 ? size : 1);
-  failNext = false;
   if (memory == nullptr)
     throw std::bad_alloc();
   ++allocationCount;
   return memory;
 }
 
+// Puts memory in the place of the first one that is other.
+void ReplaceLiveArray(const void* other, const void* memory)
+{
+  for (const void*& live : liveArrays) {
+    if (live == other) {
+      live = memory;
+      return;
+    }
+  }
+  if (other == nullptr)
+    abort();
+}
+
 void FreeArray(void* memory)
 {
+  if (memory != nullptr && followedBytes > 0)
+    ReplaceLiveArray(memory, nullptr);
   if (memory != nullptr && memory == watchedMemory) {
     memcpy(freedBytes, memory, watchedBytes);
     watchedMemory = nullptr;
@@ -55,12 +108,18 @@ void FreeArray(void* memory)
 
 void* operator new(size_t size)
 {
-  return Allocate(size);
+  return Allocate(size, false);
 }
 
 void* operator new[](size_t size)
 {
-  void* memory = Allocate(size);
+  void* memory = Allocate(size, true);
+  if (fillsArrays)
+    memset(memory, fillByte, size);
+  if (followedBytes == size) {
+    ReplaceLiveArray(nullptr, memory);
+    ++followedArrays;
+  }
   if (arrayCount < LoggedArrays)
     arrays[arrayCount++] = {memory, allocationCount};
   return memory;
@@ -122,5 +181,53 @@ unsigned char FreedByte(size_t index)
 
 void FailNextAllocation()
 {
-  failNext = true;
+  OrderFailure(Failing::All, 0, 1);
+}
+
+void FailArrayAllocation(int n)
+{
+  OrderFailure(Failing::Arrays, 0, n);
+}
+
+void FailAllocationOf(size_t bytes, int n)
+{
+  OrderFailure(Failing::OneSize, bytes, n);
+}
+
+bool TakeFailure()
+{
+  failing = Failing::None;
+  return failed;
+}
+
+void FillArraysWith(unsigned char byte)
+{
+  fillsArrays = true;
+  fillByte = byte;
+}
+
+void LeaveArraysUnfilled()
+{
+  fillsArrays = false;
+}
+
+void FollowArraysOf(size_t bytes)
+{
+  followedBytes = bytes;
+  followedArrays = 0;
+  for (const void*& live : liveArrays)
+    live = nullptr;
+}
+
+size_t FollowedArrays()
+{
+  return followedArrays;
+}
+
+size_t ArraysLeft()
+{
+  size_t left = 0;
+  for (const void* live : liveArrays)
+    left += live != nullptr ? 1 : 0;
+  return left;
 }

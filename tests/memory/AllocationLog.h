@@ -24,4 +24,22 @@ unsigned char FreedByte(size_t index);
 // Makes the next new or new[] throw std::bad_alloc.
 void FailNextAllocation();
 
+// Makes the n-th new[] from now on do so (1 is the next one), or the n-th new or new[] of exactly
+// that many bytes.
+void FailArrayAllocation(int n);
+void FailAllocationOf(size_t bytes, int n);
+
+// True if the failure that was ordered last has come. If not, it is called off.
+bool TakeFailure();
+
+// What the memory of new arrays holds from now on; else it is what malloc left there.
+void FillArraysWith(unsigned char byte);
+void LeaveArraysUnfilled();
+
+// From now on the arrays of exactly that many bytes are followed, and ArraysLeft tells how many of
+// them are not freed yet.
+void FollowArraysOf(size_t bytes);
+size_t FollowedArrays();
+size_t ArraysLeft();
+
 #endif

@@ -1,5 +1,6 @@
 // Linked twice, with the folders' objects in either order: the order of the static objects must not
 // come from the link.
+#include "database/DatabaseNames.h"
 #include "foundation/QulString.h"
 #include "launcher/ProductModules.h"
 #include "tests/memory/AllocationLog.h"
@@ -8,10 +9,12 @@
 
 TEST(StaticObjects, NameTablesAreReadyBeforeTheScratchBuffers)
 {
-  const int nameTable = AllocationPosition(ProductModules[0].Text());
   const int wideScratch = AllocationPosition(QulWideScratch);
-  ASSERT_GT(nameTable, 0);
-  EXPECT_LT(nameTable, wideScratch);
+  for (const QulString& name : {ProductModules[0], DatabaseNames[0], DatabaseNames[16]}) {
+    const int nameTable = AllocationPosition(name.Text());
+    ASSERT_GT(nameTable, 0);
+    EXPECT_LT(nameTable, wideScratch);
+  }
 }
 
 TEST(StaticObjects, TheWideScratchComesBeforeTheNarrowOneAndThatBeforeTheEmptyString)
@@ -24,7 +27,9 @@ TEST(StaticObjects, TheWideScratchComesBeforeTheNarrowOneAndThatBeforeTheEmptySt
   EXPECT_LT(narrowScratch, emptyString);
 }
 
-TEST(StaticObjects, TheNameTableHoldsTheModuleName)
+TEST(StaticObjects, TheNameTablesHoldTheirNames)
 {
   EXPECT_STREQ(L"Kestrelforge", ProductModules[0].Text());
+  EXPECT_STREQ(L"QuillRules", DatabaseNames[0].Text());
+  EXPECT_STREQ(L"QuillGratings", DatabaseNames[DatabaseCount - 1].Text());
 }

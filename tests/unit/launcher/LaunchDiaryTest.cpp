@@ -1,8 +1,11 @@
 // Every platform call of one launch on an ordinary machine, in order.
+#include "tests/doubles/FilesDouble.h"
 #include "tests/doubles/InstallerDouble.h"
+#include "tests/doubles/OdbcDouble.h"
 #include "tests/doubles/ProcessDouble.h"
 #include "tests/doubles/VersionDouble.h"
 #include "tests/unit/launcher/LaunchMachine.h"
+#include "tests/unit/update/LeftToTheEnd.h"
 
 #include <gtest/gtest.h>
 
@@ -22,6 +25,13 @@ const Names ShortNames = {
     {"{new}", "class null, 0, 0xF003F, null, null"},
     {"{plainly}", "null, null, 1, 0x0, null, null, cb 104, zeroed"},
     {"{addon}", "Norvane\\Kestrelforge\\2010"},
+    {"{environment}", "Software\\Norvane\\Kestrelforge\\2010\\Environment"},
+    {"{connections}", "Software\\Norvane\\DatabaseConnections"},
+    {"{line feed}", "\n"},
+    {"{driver}", "DRIVER={Kestrel ODBC Driver};UID=;PWD=;DBQ="},
+    {"{configuration}",
+     "<Kestrelforge><DataSource Platform=\"x64\" Name=\"QuillRules\" Value=\"DSN=Rules\"/>"
+     "</Kestrelforge>"},
     {"{server}", "CLSID\\{4996A28C-5085-4349-8D86-81F00F3376F5}\\InprocServer32"},
     {"{files}", "C:\\Program Files\\Common Files\\Norvane"},
     {"{loader}", "C:\\Program Files (x86)\\Common Files\\Norvane\\QuillStartupLoader8x86.arx"},
@@ -32,9 +42,9 @@ const Names ShortNames = {
      "KF component in charge of loading the proper Profile Designer version on demand"},
     {"{product}", "{11111111-0000-0000-0000-000000000001}"}};
 
-std::string LongForm(std::string line)
+std::string LongForm(std::string line, const Names& names = ShortNames)
 {
-  for (const auto& [shortName, text] : ShortNames) {
+  for (const auto& [shortName, text] : names) {
     for (size_t at = line.find(shortName); at != std::string::npos;
          at = line.find(shortName, at + text.size()))
       line.replace(at, shortName.size(), text);
@@ -179,16 +189,149 @@ RegEnumValueW(#30, 1, name 512, type 1, data 1024) = 259
 RegCloseKey(#30) = 0
 )";
 
-const char* const PathAndStart = R"(
-RegOpenKeyExW(HKLM, "Software\{addon}\Environment", 0, 0x20019) = 0 #31
-RegQueryValueExW(#31, "AddPath", type 1, 65536) = 0
+const char* const Patches = R"(
+RegOpenKeyExW(HKCU, "{environment}", 0, 0x20019) = 2
+RegOpenKeyExW(HKLM, "{environment}", 0, 0x20019) = 0 #31
+RegQueryValueExW(#31, "DataPath", type 1, 8192) = 0
 RegCloseKey(#31) = 0
+FindFirstFileW("C:\Data\DatabaseUpdate\*.mdb") = find#1 "a.mdb"
+SQLAllocHandle(ENV, null) = 0 env#1
+SQLSetEnvAttr(env#1, 200, 3, -6) = 0
+SQLAllocHandle(DBC, env#1) = 0 dbc#1
+SQLSetConnectAttrW(dbc#1, 103, 5, 0) = 0
+SQLSetConnectAttrW(dbc#1, 101, 0, 0) = 0
+SQLDriverConnectW(dbc#1, null, "{driver}C:\Data\DatabaseUpdate\a.mdb", -3, 4096, length, 0) = 0
+SQLAllocHandle(STMT, dbc#1) = 0 stmt#1
+SQLExecDirectW(stmt#1, "SELECT * FROM KFVersion", -3) = -1
+SQLFreeHandle(STMT, stmt#1) = 0
+SQLAllocHandle(STMT, dbc#1) = 0 stmt#2
+SQLExecDirectW(stmt#2, "SELECT * FROM KFProjectsVersion", -3) = -1
+SQLFreeHandle(STMT, stmt#2) = 0
+RegOpenKeyExW(HKLM, "{environment}", 0, 0x20019) = 0 #32
+RegQueryValueExW(#32, "Language", type null, 4) = 2
+RegCloseKey(#32) = 0
+SQLAllocHandle(STMT, dbc#1) = 0 stmt#3
+SQLExecDirectW(stmt#3, "SELECT * FROM Info", -3) = -1
+SQLFreeHandle(STMT, stmt#3) = 0
+SQLAllocHandle(STMT, dbc#1) = 0 stmt#4
+SQLExecDirectW(stmt#4, "SELECT * FROM UpdateTable ORDER BY [ID]", -3) = -1
+SQLFreeHandle(STMT, stmt#4) = 0
+FindNextFileW(find#1) = 0
+FindClose(find#1) = 1
+RegOpenKeyExW(HKCU, "{environment}", 0, 0x20019) = 2
+RegOpenKeyExW(HKLM, "{environment}", 0, 0x20019) = 0 #33
+RegQueryValueExW(#33, "DataPath", type 1, 8192) = 0
+RegCloseKey(#33) = 0
+FindFirstFileW("C:\Data\DatabaseUpdate\Projects\*.mdb") = invalid
+FindClose(invalid) = 0
+)";
+
+const char* const FirstProductDatabase = R"(
+RegOpenKeyExW(HKCU, "{environment}", 0, 0x20019) = 2
+RegOpenKeyExW(HKLM, "{environment}", 0, 0x20019) = 0 #34
+RegQueryValueExW(#34, "DataPath", type 1, 8192) = 0
+RegCloseKey(#34) = 0
+_wfopen_s("C:\Data\Configuration\DatabaseConfiguration.xml", "r, ccs=UNICODE") = 0
+MultiByteToWideChar(0, 0x0, "{configuration}", -1, 524288) = 94
+SQLAllocHandle(ENV, null) = 0 env#2
+SQLSetEnvAttr(env#2, 200, 3, -6) = 0
+SQLAllocHandle(DBC, env#2) = 0 dbc#2
+SQLSetConnectAttrW(dbc#2, 103, 5, 0) = 0
+SQLSetConnectAttrW(dbc#2, 101, 0, 0) = 0
+SQLDriverConnectW(dbc#2, null, "DSN=Rules", -3, 4096, length, 0) = 0
+SQLAllocHandle(STMT, dbc#2) = 0 stmt#5
+SQLExecDirectW(stmt#5, "SELECT * FROM KFVersion", -3) = 0
+SQLBindCol(stmt#5, 1, -8, 100, ind#1) = 0
+SQLBindCol(stmt#5, 2, -8, 100, ind#1) = 0
+SQLFetch(stmt#5) = 0
+SQLFetch(stmt#5) = 100
+SQLFreeHandle(STMT, stmt#5) = 0
+SQLAllocHandle(STMT, dbc#2) = 0 stmt#6
+SQLExecDirectW(stmt#6, "SELECT * FROM KFProjectsVersion", -3) = -1
+SQLFreeHandle(STMT, stmt#6) = 0
+RegOpenKeyExW(HKLM, "{environment}", 0, 0x20019) = 0 #35
+RegQueryValueExW(#35, "Language", type null, 4) = 2
+RegCloseKey(#35) = 0
+SQLAllocHandle(STMT, dbc#2) = 0 stmt#7
+SQLExecDirectW(stmt#7, "SELECT * FROM Info", -3) = -1
+SQLFreeHandle(STMT, stmt#7) = 0
+)";
+
+const char* const RegisteredLookup = R"(
+RegOpenKeyExW(HKCU, "{connections}", 0, 0x20019) = 2
+RegOpenKeyExW(HKLM, "{connections}", 0, 0x20019) = 2
+)";
+
+const char* const CurrentProjectLookup = R"(
+RegOpenKeyExW(HKCU, "{environment}", 0, 0x20019) = 2
+RegOpenKeyExW(HKLM, "{environment}", 0, 0x20019) = 0 #44
+RegQueryValueExW(#44, "DataPath", type 1, 8192) = 0
+RegCloseKey(#44) = 0
+)";
+
+// A database whose environment and connection have that number.
+const char* const RefusedDatabase = R"(
+SQLAllocHandle(ENV, null) = 0 env#{n}
+SQLSetEnvAttr(env#{n}, 200, 3, -6) = 0
+SQLAllocHandle(DBC, env#{n}) = 0 dbc#{n}
+SQLSetConnectAttrW(dbc#{n}, 103, 5, 0) = 0
+SQLSetConnectAttrW(dbc#{n}, 101, 0, 0) = 0
+SQLDriverConnectW(dbc#{n}, null, "{string}", -3, 4096, length, 0) = -1
+OutputDebugStringW("{line feed}")
+OutputDebugStringW("Error driver connect to database.")
+RegOpenKeyExW(HKLM, "{environment}", 0, 0x20019) = 0 #{key}
+RegQueryValueExW(#{key}, "Language", type null, 4) = 2
+RegCloseKey(#{key}) = 0
+)";
+
+const char* const ClosedDatabase = R"(
+SQLDisconnect(dbc#{n}) = {code}
+SQLFreeHandle(DBC, dbc#{n}) = 0
+SQLFreeHandle(ENV, env#{n}) = 0
+)";
+
+const char* const PathAndStart = R"(
+RegOpenKeyExW(HKLM, "Software\{addon}\Environment", 0, 0x20019) = 0 #53
+RegQueryValueExW(#53, "AddPath", type 1, 65536) = 0
+RegCloseKey(#53) = 0
 GetEnvironmentVariableW("PATH", 32768) = 22
 GetLongPathNameW("c:\windows", 2048) = 0
 GetLongPathNameW("d:\norvane", 2048) = 0
 SetEnvironmentVariableW("PATH", "C:\Forge2010\Bin;c:\windows;d:\norvane;") = 1
 CreateProcessW("C:\Host\ABCD.exe", "/nologo drawing.dwg", {plainly}) = 1
 )";
+
+// Key is the first registry key that is opened for the first of these databases, and each takes
+// one.
+std::string RefusedDatabases(int first, int last, int key)
+{
+  std::string lines;
+  for (int n = first; n <= last; ++n, ++key)
+    lines +=
+        LongForm(RefusedDatabase,
+                 {{"{n}", std::to_string(n)}, {"{key}", std::to_string(key)}, {"{string}", ""}})
+            .substr(1);
+  return lines;
+}
+
+std::string ProductDatabases()
+{
+  const std::string currentProject = LongForm(
+      RefusedDatabase,
+      {{"{n}", "11"}, {"{key}", "45"}, {"{string}", "{driver}C:\\Data\\Kernel\\Data\\model.mdb"}});
+  return FirstProductDatabase + RefusedDatabases(3, 5, 36) + (RegisteredLookup + 1) +
+         RefusedDatabases(6, 10, 39) + (CurrentProjectLookup + 1) + currentProject.substr(1) +
+         RefusedDatabases(12, 16, 46) + (RegisteredLookup + 1) + RefusedDatabases(17, 18, 51);
+}
+
+std::string ClosedDatabases()
+{
+  std::string lines = "\n";
+  for (int n = 1; n <= 18; ++n)
+    lines += LongForm(ClosedDatabase, {{"{n}", std::to_string(n)}, {"{code}", n <= 2 ? "0" : "-1"}})
+                 .substr(1);
+  return lines;
+}
 
 class LaunchDiary : public LaunchMachine
 {
@@ -208,11 +351,22 @@ protected:
     Versions().SetFileVersion(LongForm("{loader}"), "2010.1.0.0");
   }
 
+  // One patch and one of the product's databases can be connected to.
+  static void InstallDatabases()
+  {
+    Registry().SetText(HKEY_LOCAL_MACHINE, RegistryView::Native, LongForm("{environment}"),
+                       "DataPath", "C:\\Data");
+    Files().Put("C:\\Data\\Configuration\\DatabaseConfiguration.xml", LongForm("{configuration}"));
+    Files().Put("C:\\Data\\DatabaseUpdate\\a.mdb", "");
+    (void)Odbc().Database(LongForm("{driver}C:\\Data\\DatabaseUpdate\\a.mdb"));
+    (void)Odbc().Database("DSN=Rules").Table("KFVersion", {{"MajorNumber", "2"}});
+  }
+
   // Compared piece by piece, so that a failure shows its place.
-  static void ExpectDiary(std::initializer_list<const char*> pieces)
+  static void ExpectDiary(const std::vector<std::string>& pieces)
   {
     size_t at = 0;
-    for (const char* piece : pieces) {
+    for (const std::string& piece : pieces) {
       for (const std::string& line : LinesOf(piece)) {
         ASSERT_LT(at, Diary().size()) << "no call behind the last one, expected: " << line;
         ASSERT_EQ(Diary()[at], line) << "call " << at + 1;
@@ -231,7 +385,11 @@ TEST_F(LaunchDiary, AFirstLaunchMakesTheseCallsInThisOrder)
   InstallHost("R17.1", true);
   InstallAddOn();
   Processes().SetVariable("PATH", "C:\\Windows;D:\\Norvane;");
-  Launch("drawing.dwg");
-  ExpectDiary(
-      {Conversion, Selection, Records, LoaderEntries, CommandEntries, Repair, PathAndStart});
+  InstallDatabases();
+  {
+    const LeftToTheEnd buffersOfTheConfiguration;
+    Launch("drawing.dwg");
+  }
+  ExpectDiary({Conversion, Selection, Records, LoaderEntries, CommandEntries, Repair, Patches,
+               ProductDatabases(), ClosedDatabases(), PathAndStart});
 }

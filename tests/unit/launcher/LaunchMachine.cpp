@@ -2,6 +2,7 @@
 
 #include "launcher/LauncherMain.h"
 #include "tests/doubles/ProcessDouble.h"
+#include "update/DatabaseConfiguration.h"
 
 const char* const LaunchMachine::AddOnKey = "Software\\Norvane\\Kestrelforge\\2010";
 const char* const LaunchMachine::StartupKey = "Software\\Norvane\\Kestrelforge\\2010\\Startup";
@@ -28,6 +29,17 @@ void RecordLocation(bool is64Bit, const std::string& hostKey)
 }
 
 }  // namespace
+
+LaunchMachine::LaunchMachine()
+{
+  DataSourceTable.Free();
+}
+
+void LaunchMachine::TearDown()
+{
+  DataSourceTable.Free();
+  PlatformTest::TearDown();
+}
 
 std::string LaunchMachine::HostKey(const std::string& versionKey)
 {

@@ -16,6 +16,10 @@ class LaunchMachine : public PlatformTest
 protected:
   using Lines = std::vector<std::string>;
 
+  // What an earlier run read of the configuration file is forgotten before and behind each test.
+  LaunchMachine();
+  void TearDown() override;
+
   // Key of the user's settings of the add-on, as the registry spells it, and the key below.
   static const char* const AddOnKey;
   static const char* const StartupKey;
