@@ -6,6 +6,9 @@ logs=$root/build/logs
 mkdir -p "$logs"
 cd "$root"
 
+# Where ODBC programs find the driver that the preset driver builds; nothing is registered elsewhere.
+export ODBCSYSINI=$root/build/driver/driver
+
 # step TEXT COMMAND... runs a command with its output in a file of its own, and shows one line. On
 # failure it prints the command, the end of its output and where the rest is, and ends the script.
 step() {
@@ -26,6 +29,7 @@ step() {
 
 # Debian packages that the two commands need, and nothing else is installed by hand.
 build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix wine64 libwine-dev wixl)
+driver_packages=(unixodbc unixodbc-dev libsqlite3-dev libutf8proc-dev python3-pyodbc)
 test_packages=(googletest clang clang-format clang-tidy libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev python3)
 

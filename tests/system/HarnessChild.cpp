@@ -10,10 +10,10 @@ namespace {
 
 const std::string Prefix = "--harness-child=";
 
-void StartItselfAgain()
+void StartItselfAgain(const wchar_t* deed)
 {
   const std::wstring program = OwnProgramPath();
-  std::wstring commandLine = L"again --harness-child=end";
+  std::wstring commandLine = L"again --harness-child=" + std::wstring(deed);
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process = {};
@@ -38,8 +38,12 @@ int RunHarnessChild(const char* argument)
     RaiseException(0xE0001234, EXCEPTION_NONCONTINUABLE, 0, nullptr);
   } else if (deed == "hang") {
     Sleep(INFINITE);
+  } else if (deed == "doze") {
+    Sleep(10000);
   } else if (deed == "start") {
-    StartItselfAgain();
+    StartItselfAgain(L"end");
+  } else if (deed == "start-dozing") {
+    StartItselfAgain(L"doze");
   }
   return 7;
 }

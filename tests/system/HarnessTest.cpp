@@ -65,6 +65,20 @@ TEST(ProgramRun, CountsTheChildrenAndWaitsForThem)
   EXPECT_EQ(run.children, 1u);
 }
 
+TEST(ProgramRun, LeavesTheChildrenAloneIfToldSo)
+{
+  ProgramStart start;
+  start.program = OwnProgramPath();
+  start.commandLine = L"child --harness-child=start-dozing";
+  start.leaveChildren = true;
+  const ULONGLONG begin = GetTickCount64();
+  const ProgramRun run = RunProgram(start);
+  EXPECT_TRUE(run.inTime);
+  EXPECT_EQ(run.exitCode, 7u);
+  EXPECT_EQ(run.children, 0u);
+  EXPECT_LT(GetTickCount64() - begin, 8000u);
+}
+
 TEST(ProgramRun, EndsAProgramWhoseTimeIsOver)
 {
   const ProgramRun run = RunChild(L"hang", 300);

@@ -1,7 +1,7 @@
 #ifndef TESTS_SYSTEM_LAUNCHERTEST_H
 #define TESTS_SYSTEM_LAUNCHERTEST_H
 
-#include "tests/system/ProgramRun.h"
+#include "sandbox/common/ProgramRun.h"
 #include "tests/system/RegistryPlace.h"
 
 #include <gtest/gtest.h>
@@ -26,12 +26,17 @@ struct LauncherRun : ProgramRun
   HostReport Host() const;
 };
 
+// What a launch says on a machine without one database: that none of the 17 could be connected,
+// each as a line feed and the text. So it arrives at a debugger.
+std::vector<std::string> NoDatabaseTraces();
+
 constexpr const wchar_t* AutodeskKey = L"Software\\Autodesk";
 constexpr const wchar_t* AddOnKey = L"SoftWare\\Norvane\\Kestrelforge\\2010";
 constexpr const wchar_t* StartupKey = L"SoftWare\\Norvane\\Kestrelforge\\2010\\Startup";
 constexpr const wchar_t* EnvironmentKey = L"Software\\Norvane\\Kestrelforge\\2010\\Environment";
 
-// Files that the build laid beside this program or into the sandbox' folder.
+// Files that the build laid beside this program or into the sandbox' folder. A name in that folder
+// may hold folders.
 std::wstring LauncherProgram();
 std::wstring SandboxFile(const std::wstring& name);
 
@@ -61,8 +66,8 @@ protected:
 
   static std::wstring HostKey(const std::wstring& version, const std::wstring& product);
 
-  // Starts the launcher by its quoted path, a blank and the arguments. No run may speak to the
-  // debug output or outlast its time.
+  // Starts the launcher by its quoted path, a blank and the arguments. No run may outlast its time.
+  // Unless a test lays out databases, none may say more than that there are none.
   LauncherRun Run(const std::wstring& arguments = L"");
   LauncherRun Run(const ProgramStart& start);
   ProgramStart StartOf(const std::wstring& arguments) const;
@@ -71,6 +76,7 @@ protected:
   static std::wstring StartupLoader();
 
   std::wstring searchPath = L"C:\\windows\\system32;C:\\windows";
+  bool hasDatabases = false;
 
 private:
   std::vector<HostReport> CollectReports() const;

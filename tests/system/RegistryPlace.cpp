@@ -48,6 +48,12 @@ void RegistryPlace::WriteText(const std::wstring& keyPath, const std::wstring& n
   Write(keyPath, name, REG_SZ, text.c_str(), BytesOf(text, 1));
 }
 
+void RegistryPlace::WriteNumber(const std::wstring& keyPath, const std::wstring& name,
+                                DWORD number) const
+{
+  Write(keyPath, name, REG_DWORD, &number, sizeof number);
+}
+
 void RegistryPlace::WriteUnterminated(const std::wstring& keyPath, const std::wstring& name,
                                       const std::wstring& text) const
 {

@@ -15,6 +15,7 @@ struct RegistryPlace
   // The value with its terminator.
   void WriteText(const std::wstring& keyPath, const std::wstring& name,
                  const std::wstring& text) const;
+  void WriteNumber(const std::wstring& keyPath, const std::wstring& name, DWORD number) const;
   // The characters of the text and nothing behind them, in a type for which the registry adds no
   // terminator of its own.
   void WriteUnterminated(const std::wstring& keyPath, const std::wstring& name,

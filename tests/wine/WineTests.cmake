@@ -3,12 +3,14 @@
 # test of a run makes it, and a server is held for it until the last one has ended.
 
 set(KESTREL_WINE_PREFIX ${CMAKE_BINARY_DIR}/wineprefix)
-# The locale decides the ANSI code page. No browser, .NET or menu entries are wanted in a prefix.
+# The locale decides the ANSI code page. The machine's driver manager looks for drivers in ODBCSYSINI,
+# so that nothing has to be registered on the machine itself. No browser, .NET or menu entries are wanted in a prefix.
 set(KESTREL_WINE_ENVIRONMENT
   "WINEPREFIX=${KESTREL_WINE_PREFIX}"
   "WINEDEBUG=-all"
   "WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe="
-  "LC_ALL=C.UTF-8")
+  "LC_ALL=C.UTF-8"
+  "ODBCSYSINI=${KESTREL_DRIVER_FOLDER}")
 
 if(CMAKE_CROSSCOMPILING)
   foreach(action begin end)

@@ -28,7 +28,8 @@ case $action in
         held=yes
         break
       fi
-      timeout 15 "$server" -w || "$server" -k || true
+      # A server that is told to end takes a moment, in which it still answers.
+      timeout 15 "$server" -w || { "$server" -k && timeout 15 "$server" -w; } || true
     done
     [ "${held:-no}" = yes ] || { echo "prefix.sh: no server could be held"; exit 1; }
     timeout 60 "$wine" cmd /c exit </dev/null >"$WINEPREFIX/warm.log" 2>&1

@@ -1,4 +1,4 @@
-#include "tests/system/ProgramRun.h"
+#include "sandbox/common/ProgramRun.h"
 
 namespace {
 
@@ -102,6 +102,23 @@ JOBOBJECT_BASIC_ACCOUNTING_INFORMATION AccountsOf(HANDLE job)
   return accounts;
 }
 
+// Children are born into the job of their parent. So the job knows whether there were any, and when
+// the last one has ended.
+void FollowWithChildren(const PROCESS_INFORMATION& process, ULONGLONG deadline, ProgramRun& run)
+{
+  const HANDLE job = CreateJobObjectW(nullptr, nullptr);
+  run.started = AssignProcessToJobObject(job, process.hProcess) != 0;
+  ResumeThread(process.hThread);
+  DebugLoop(process.hProcess, run).Follow(deadline);
+  while (AccountsOf(job).ActiveProcesses != 0 && GetTickCount64() < deadline) {
+    Sleep(2);
+  }
+  run.inTime = run.inTime && AccountsOf(job).ActiveProcesses == 0;
+  run.children = AccountsOf(job).TotalProcesses - 1;
+  TerminateJobObject(job, 0xDEAD);
+  CloseHandle(job);
+}
+
 }  // namespace
 
 ProgramRun RunProgram(const ProgramStart& start)
@@ -114,28 +131,22 @@ ProgramRun RunProgram(const ProgramStart& start)
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process = {};
 
-  // Children are born into the job of their parent. So the job knows whether there were any, and
-  // when the last one has ended.
-  const HANDLE job = CreateJobObjectW(nullptr, nullptr);
   run.started =
       CreateProcessW(start.program.c_str(), start.commandLine ? commandLine.data() : nullptr,
                      nullptr, nullptr, FALSE,
                      CREATE_SUSPENDED | CREATE_UNICODE_ENVIRONMENT | DEBUG_ONLY_THIS_PROCESS,
                      environment.data(), start.folder.empty() ? nullptr : start.folder.c_str(),
                      &startup, &process) != 0;
-  if (run.started) {
-    run.started = AssignProcessToJobObject(job, process.hProcess) != 0;
+  if (!run.started) {
+    return run;
+  }
+  if (start.leaveChildren) {
     ResumeThread(process.hThread);
     DebugLoop(process.hProcess, run).Follow(deadline);
-    while (AccountsOf(job).ActiveProcesses != 0 && GetTickCount64() < deadline) {
-      Sleep(2);
-    }
-    run.inTime = run.inTime && AccountsOf(job).ActiveProcesses == 0;
-    run.children = AccountsOf(job).TotalProcesses - 1;
-    TerminateJobObject(job, 0xDEAD);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+  } else {
+    FollowWithChildren(process, deadline, run);
   }
-  CloseHandle(job);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
   return run;
 }
