@@ -38,8 +38,8 @@ public:
 
   // Runs one statement and tells whether it succeeded. A statement that touches no row has not
   // succeeded. A failure is reported with the statement. The object is connected.
-  // NOLINTNEXTLINE(readability-identifier-naming): the trace of a failure speaks of it by this
-  // name.
+  // The trace of a failure speaks of it by this name.
+  // NOLINTNEXTLINE(readability-identifier-naming)
   bool executeSQL(const wchar_t* statement);
 
   // Drops a table. A failure is reported. The object is connected.
