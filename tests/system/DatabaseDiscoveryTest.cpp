@@ -163,6 +163,18 @@ TEST_F(DatabaseDiscovery, ALockedDatabaseIsWaitedForReportedAndPassedOver)
   EXPECT_LT(milliseconds, 15000u);
 }
 
+TEST_F(DatabaseDiscovery, ALockedPatchIsWaitedForReportedAndLeftOut)
+{
+  LayProduct();
+  LayPatch("A.mdb", {});
+  LayPatch("B.mdb", {});
+  const HeldDatabase held(DataPath("DatabaseUpdate\\A.mdb"));
+  const DatabaseRun run = Launch();
+  EXPECT_EQ(run.Refused(), std::vector<std::string>{"DatabaseUpdate\\A.mdb"});
+  EXPECT_EQ(run.Opened().size(), 18u);
+  EXPECT_EQ(run.Traces(), ConnectFailures(1));
+}
+
 TEST_F(DatabaseDiscovery, ReadOnlyDatabasesAreOpenedAndRead)
 {
   LayProduct();
