@@ -194,18 +194,18 @@ TEST_F(LiveDatabase, OfAPatchHasItsStepsInTheOrderOfTheirNumber)
       {"CREATE TABLE UpdateTable ([ID] LONG, [Db] TEXT(50), [Source] TEXT(255), "
        "[Target] TEXT(50), [D] BIT, [R] BIT, [C] BIT)",
        "INSERT INTO UpdateTable VALUES (30, 'QuillBase', 'Rel', 'InfoTableRelations', 0, 0, 1)",
-       "INSERT INTO UpdateTable VALUES (9, 'QuillBase', 'Par*', 'Parts', 1, 0, 0)",
+       "INSERT INTO UpdateTable VALUES (9, 'QuillBase', 'Pla*', 'Plates', 1, 0, 0)",
        "INSERT INTO UpdateTable VALUES (20, 'QuillRules', '" + Letters(60, 's') +
            "', 'T', 0, 1, 0)",
-       "CREATE TABLE Parts1 ([Id] LONG)", "CREATE TABLE PARTS2 ([Id] LONG)"});
+       "CREATE TABLE Plates1 ([Id] LONG)", "CREATE TABLE PLATES2 ([Id] LONG)"});
   auto patch = OpenLivePatch();
   auto target = Open();
   EXPECT_EQ(StepsOf(patch->updateTable->steps),
-            (Lines{"QuillBase Par*>Parts 100", "QuillRules " + Letters(49, 's') + ">T 010",
+            (Lines{"QuillBase Pla*>Plates 100", "QuillRules " + Letters(49, 's') + ">T 010",
                    "QuillBase Rel>InfoTableRelations 001"}));
   EXPECT_EQ(StepsOf(patch->updateTable->PrepareSteps(*patch, *target)),
-            (Lines{"QuillBase Rel>InfoTableRelations 001", "QuillBase Parts1>Parts 100",
-                   "QuillBase PARTS2>Parts 100"}));
+            (Lines{"QuillBase Rel>InfoTableRelations 001", "QuillBase Plates1>Plates 100",
+                   "QuillBase PLATES2>Plates 100"}));
 }
 
 TEST_F(LiveDatabase, OfAPatchTakesTheUpdateTableOfTheLanguage)
