@@ -3,6 +3,8 @@
 #include "database/QulDatabase.h"
 #include "database/TableSchema.h"
 
+#include <memory>
+
 namespace {
 
 constexpr int CatalogueColumnCount = 18;
@@ -68,20 +70,18 @@ void Bind(SQLHSTMT statement, CatalogueRow& row)
 
 TableSchema* QulDatabase::ReadTableSchema(const wchar_t* table, bool hideOtherLanguages)
 {
-  TableSchema* schema = new TableSchema(table);
-  SQLHSTMT statement = SQL_NULL_HSTMT;
-  if (connected)
-    (void)SQLAllocHandle(SQL_HANDLE_STMT, connectionHandle, &statement);
+  auto schema = std::make_unique<TableSchema>(table);
+  const SQLHSTMT statement = AllocateStatement();
   if (SQL_SUCCEEDED(SQLColumnsW(statement, nullptr, 0, nullptr, 0, const_cast<SQLWCHAR*>(table),
                                 SQL_NTS, nullptr, 0))) {
     CatalogueRow row;
     Bind(statement, row);
     while (SQL_SUCCEEDED(SQLFetch(statement))) {
-      TableColumn* column = new TableColumn(row.columnName, row.dataType, row.columnSize);
+      auto column = std::make_unique<TableColumn>(row.columnName, row.dataType, row.columnSize);
       column->isNullable = row.nullable == SQL_NULLABLE;
       column->hasAlternate =
           infoTable->FindAlternateColumn(table, row.columnName, column->alternateName);
-      schema->AddColumn(column);
+      schema->AddColumn(column.release());
     }
     (void)SQLCloseCursor(statement);
   }
@@ -96,5 +96,5 @@ TableSchema* QulDatabase::ReadTableSchema(const wchar_t* table, bool hideOtherLa
         column->isHidden = true;
     }
   }
-  return schema;
+  return schema.release();
 }

@@ -84,9 +84,7 @@ const wchar_t* QulDatabase::Connect()
 
 bool QulDatabase::executeSQL(const wchar_t* statementText)
 {
-  SQLHSTMT statement = SQL_NULL_HSTMT;
-  if (connected)
-    (void)SQLAllocHandle(SQL_HANDLE_STMT, connectionHandle, &statement);
+  const SQLHSTMT statement = AllocateStatement();
   const SQLRETURN code = SQLExecDirectW(statement, InputText(statementText), SQL_NTS);
   if (!SQL_SUCCEEDED(code)) {
     wchar_t message[MessageCharacters];
@@ -102,9 +100,7 @@ void QulDatabase::DropTable(const wchar_t* table)
 {
   wchar_t statementText[MessageCharacters];
   (void)wsprintfW(statementText, L"DROP TABLE %s", table);
-  SQLHSTMT statement = SQL_NULL_HSTMT;
-  if (connected)
-    (void)SQLAllocHandle(SQL_HANDLE_STMT, connectionHandle, &statement);
+  const SQLHSTMT statement = AllocateStatement();
   if (!SQL_SUCCEEDED(SQLExecDirectW(statement, statementText, SQL_NTS))) {
     wchar_t message[MessageCharacters];
     (void)wsprintfW(message, L"Unable to drop table %s", table);
@@ -170,6 +166,14 @@ QulArray<QulString>& QulDatabase::GetTableNames()
       return tableNames;
     tableNames.Append(tableName);
   }
+}
+
+SQLHSTMT QulDatabase::AllocateStatement() const
+{
+  SQLHSTMT statement = SQL_NULL_HSTMT;
+  if (connected)
+    (void)SQLAllocHandle(SQL_HANDLE_STMT, connectionHandle, &statement);
+  return statement;
 }
 
 int32_t QulDatabase::FreeStatement(SQLHSTMT statement) const

@@ -14,6 +14,7 @@
 class InfoTable;
 class KFProjectsVersionTable;
 class KFVersionTable;
+class QulPatchDatabase;
 class TableSchema;
 
 // One database reached over ODBC, from its connection to its end, with the small tables that it
@@ -55,6 +56,10 @@ public:
 
   QulString GetName() const { return name; }
 
+  // A new statement of this connection, to be given back by FreeStatement; null if there is none to
+  // be had. Calls on that fail as any other statement may.
+  SQLHSTMT AllocateStatement() const;
+
   // Frees a statement of this connection and returns ODBC's code; -1 on an unconnected object.
   int32_t FreeStatement(SQLHSTMT statement) const;
 
@@ -71,6 +76,18 @@ public:
   // True if the version is lower than that of other, by major, minor, service pack and build
   // number in this order. A strict weak order. False if other is null.
   bool IsOlderThan(const QulDatabase* other) const;
+
+  // Copies the patch's version into the stored table, row by row; true if all six rows were there
+  // to be changed. The numbers above stay as they were read.
+  bool WriteVersion(const QulPatchDatabase& patch);
+
+  // True if the patch's version table for projects has an attribute that this database's lacks or
+  // has with a lower number. Both are as they were read at the connection.
+  bool IsProjectsVersionOlderThan(const QulPatchDatabase& patch) const;
+
+  // Copies the rows of that table into this database, and creates the table if there is none. False
+  // if that failed, which is reported and leaves no row written, or if a row could not be inserted.
+  bool WriteProjectsVersion(const QulPatchDatabase& patch);
 
   KFProjectsVersionTable* projectsVersionTable = nullptr;  // owned
   InfoTable* infoTable = nullptr;                          // owned

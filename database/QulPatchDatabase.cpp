@@ -53,9 +53,7 @@ void QulPatchDatabase::MarkKeyColumns(const wchar_t* table, TableSchema& schema)
                   L"SELECT [ColumnName],[TypeProperty] FROM [InfoTableRelations] "
                   L"WHERE [TableName] = '%s'",
                   table);
-  SQLHSTMT statement = SQL_NULL_HSTMT;
-  if (targetDatabase->connected)
-    (void)SQLAllocHandle(SQL_HANDLE_STMT, targetDatabase->connectionHandle, &statement);
+  const SQLHSTMT statement = targetDatabase->AllocateStatement();
   bool marked = false;
   if (SQL_SUCCEEDED(SQLExecDirectW(statement, query, SQL_NTS)))
     marked = MarkNamedColumns(statement, schema);

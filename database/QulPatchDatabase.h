@@ -4,6 +4,7 @@
 #include "database/QulDatabase.h"
 
 class UpdateTable;
+struct UpdateStep;
 
 // A database that brings others up to date: it holds the new content, and the table of what to do
 // with it.
@@ -19,8 +20,26 @@ public:
   // first column of InfoTableRelations itself is its key without a question. targetDatabase is set.
   void MarkKeyColumns(const wchar_t* table, TableSchema& schema) const;
 
+  // Carries out what the update table has for target, step by step; each one sees what those before
+  // it have done. Nothing for null.
+  void ApplyPatch(QulDatabase* target);
+
+  // Carries out one step on targetDatabase, which is set. Failures are reported and end the step or
+  // the row at most; what has been done stays.
+  void PatchTable(UpdateStep step);
+
+  // Deletes from the target's table the rows that source's table lists: by their key if the target
+  // told one, else by all columns that both have. Failures are reported and end the row.
+  void DeleteRows(TableSchema& source, TableSchema& target);
+
   UpdateTable* updateTable;               // owned
   QulDatabase* targetDatabase = nullptr;  // the database that is being brought up to date
+                                          // not owned; null but for ApplyPatch
+
+private:
+  TableSchema* CreateTarget(const UpdateStep& step, const TableSchema& source) const;
+  TableSchema* ReadTarget(const UpdateStep& step) const;
+  void CopyRows(const UpdateStep& step, TableSchema& source, const TableSchema& target);
 };
 
 #endif

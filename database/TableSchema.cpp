@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -85,13 +86,13 @@ TableSchema::~TableSchema()
 
 TableSchema* TableSchema::CopyVisibleColumns() const
 {
-  TableSchema* copy = new TableSchema(tableName.Text());
+  auto copy = std::make_unique<TableSchema>(tableName.Text());
   copy->hasKey = hasKey;
   for (int i = 0; i < columnCount; ++i) {
     if (!columns[i]->isHidden)
       copy->AddColumn(new TableColumn(*columns[i]));
   }
-  return copy;
+  return copy.release();
 }
 
 void TableSchema::AddColumn(TableColumn* column)

@@ -28,6 +28,11 @@ public:
   // terminator. A size that no statement could carry counts as that of a memo.
   SQLLEN BufferBytes() const;
 
+  // Has the statement's fetches leave the values of its column ordinal, counted from 1, in
+  // valueBuffer, in the form of KindOfValue. A type of no form is bound as none; whether the driver
+  // minds isn't asked.
+  void BindToStatement(SQLHSTMT statement, SQLUSMALLINT ordinal);
+
   QulString GetName() const { return name; }
   QulString GetAlternateName() const { return alternateName; }
 
@@ -81,6 +86,9 @@ public:
 
   // The first column of that name, without regard to case; null if there is none.
   TableColumn* FindColumn(const wchar_t* columnName) const;
+
+  // Binds each column to the statement, the first one as 1.
+  void BindAll(SQLHSTMT statement);
 
   QulString GetTableName() const { return tableName; }
 

@@ -82,6 +82,7 @@ void RunDatabaseUpdate(int32_t /*unused1*/, int32_t /*unused2*/)
   DatabaseUpdateManager* manager = nullptr;
   try {
     manager = new DatabaseUpdateManager;
+    (void)manager->Run();
   } catch (...) {
     ReportTrace(L"\nCritical Error!!");
   }
