@@ -11,7 +11,8 @@ extern TraceFunction TraceCallback;
 extern void* TraceContext;
 
 // The one output of the database update: text, which is not null, goes to TraceCallback, or else to
-// the debug output, behind a line feed sent by itself.
+// the debug output, behind a line feed sent by itself. It may stand in QulWideScratch: a callback
+// that composes text takes a copy first.
 void ReportTrace(const wchar_t* text);
 
 // wsprintfW cuts what it composes at 1,024 characters. A buffer of this size holds any text of it,

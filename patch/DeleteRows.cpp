@@ -14,9 +14,9 @@ void AppendKeyQuery(StatementText& query, const TableSchema& source)
     if (!source.columns[i]->isKey)
       continue;
     if (hasColumn)
-      query.Append(L",");
+      query.Append(L',');
     query.AppendName(source.columns[i]->name);
-    query.Append(L" ");
+    query.Append(L' ');
     hasColumn = true;
   }
   query.Append(L"FROM ");

@@ -41,9 +41,9 @@ void AppendColumnDefinition(StatementText& statement, const TableColumn& column)
     statement.Append(word);
   }
   if (HasSize(column.sqlType)) {
-    statement.Append(L"(");
+    statement.Append(L'(');
     statement.AppendInteger(column.size);
-    statement.Append(L")");
+    statement.Append(L')');
   }
   statement.Append(column.isNullable ? L" NULL" : L" NOT NULL");
 }
@@ -60,7 +60,7 @@ void AppendPrimaryKey(StatementText& statement, const TableSchema& schema)
     hasKeyColumn = true;
   }
   if (hasKeyColumn)
-    statement.Append(L")");
+    statement.Append(L')');
 }
 
 }  // namespace

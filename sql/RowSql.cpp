@@ -32,7 +32,7 @@ void AppendEffectiveValueSql(StatementText& statement, const ColumnPair& pair)
 void AppendCondition(StatementText& statement, const QulString& name, const TableColumn& value)
 {
   statement.AppendName(name);
-  statement.Append(L"=");
+  statement.Append(L'=');
   AppendValueSql(statement, value);
 }
 
@@ -64,7 +64,7 @@ void AppendUpdateSql(StatementText& statement, const ColumnPairs& pairs)
       continue;
     comma.AppendTo(statement);
     statement.AppendName(pair.target->name);
-    statement.Append(L"=");
+    statement.Append(L'=');
     AppendEffectiveValueSql(statement, pair);
   }
   // Also without a term: such a statement is refused, where one without a condition would change
@@ -123,7 +123,7 @@ void AppendDeleteByKeySql(StatementText& statement, const TableSchema& schema)
     conjunction.AppendTo(statement);
     AppendCondition(statement, column.name, column);
   }
-  statement.Append(L";");
+  statement.Append(L';');
 }
 
 QulString DeleteMatchingSql(const TableSchema& source, const TableSchema& target)
@@ -142,5 +142,5 @@ void AppendDeleteMatchingSql(StatementText& statement, const ColumnPairs& pairs)
     // By the source's spelling of the name, unlike the other statements of pairs.
     AppendCondition(statement, pair.source->name, *pair.source);
   }
-  statement.Append(L";");
+  statement.Append(L';');
 }

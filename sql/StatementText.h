@@ -19,6 +19,7 @@ public:
   StatementText& operator=(const StatementText&) = delete;
   ~StatementText() = default;
 
+  void Append(wchar_t character);
   // The text is terminated and lies outside of QulWideScratch.
   void Append(const wchar_t* text);
   // As [name]; brackets in it are copied as they are.
@@ -33,14 +34,15 @@ public:
   wchar_t* Text() const { return QulWideScratch; }
 
 private:
-  void AppendRange(const wchar_t* text, size_t length);
+  const wchar_t* AppendUnquoted(const wchar_t* text, const wchar_t* textEnd);
   void AppendFormatted(const wchar_t* format, ...);
   template <typename Number>
   void AppendDigits(Number number);
   // Moves the end behind length characters, which are the caller's to write.
   wchar_t* RoomFor(size_t length);
 
-  wchar_t* end;  // place of the terminator
+  wchar_t* end;         // place of the terminator
+  wchar_t* const last;  // its last possible place
 };
 
 #endif

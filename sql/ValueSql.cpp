@@ -28,13 +28,13 @@ bool IsEmptyText(const TableColumn& column)
 
 void AppendTimestamp(StatementText& statement, const SQL_TIMESTAMP_STRUCT& timestamp)
 {
-  statement.Append(L"'");
+  statement.Append(L'\'');
   statement.AppendInteger(timestamp.day);
-  statement.Append(L"/");
+  statement.Append(L'/');
   statement.AppendInteger(timestamp.month);
-  statement.Append(L"/");
+  statement.Append(L'/');
   statement.AppendInteger(timestamp.year);
-  statement.Append(L"'");
+  statement.Append(L'\'');
 }
 
 }  // namespace
