@@ -5,6 +5,8 @@
 
 #include <stddef.h>
 
+#include <memory>
+
 namespace {
 
 // Copies up to count characters, fewer if the text ends before. In size_t, a count of -1 asks for
@@ -12,12 +14,10 @@ namespace {
 QulString CopyPiece(const wchar_t* text, int count)
 {
   const size_t size = static_cast<size_t>(count) + 1;
-  wchar_t* piece = new wchar_t[size];
-  RequireFits(wcsncpy_s(piece, size, text, static_cast<size_t>(count)));
-  piece[count] = L'\0';
-  QulString result(piece);
-  delete[] piece;
-  return result;
+  const std::unique_ptr<wchar_t[]> piece(new wchar_t[size]);
+  RequireFits(wcsncpy_s(piece.get(), size, text, static_cast<size_t>(count)));
+  piece[static_cast<size_t>(count)] = L'\0';
+  return QulString(piece.get());
 }
 
 void CopyCharacters(const QulString& source, QulCharArray& characters)
