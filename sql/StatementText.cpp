@@ -79,37 +79,44 @@ void StatementText::AppendQuoted(const wchar_t* text, size_t size)
 {
   const wchar_t* const textEnd = text + size;
   Append(Quote);
-  while (text != textEnd && *text != L'\0') {
-    text = AppendUnquoted(text, textEnd);
-    if (text == textEnd || *text == L'\0')
-      break;
+  for (text = AppendBlocks(text, textEnd); text != textEnd && *text != L'\0'; ++text) {
     if (*text == Quote)
       Append(Quote);
     Append(*text);
-    ++text;
   }
   Append(Quote);
 }
 
-// Appends what stands in front of the next quote or terminator, but for a few last characters of
-// the buffer, and returns where it stopped. Texts of tens of thousands of characters are what
-// statements spend their time on, so it goes by eight of them.
-const wchar_t* StatementText::AppendUnquoted(const wchar_t* text, const wchar_t* textEnd)
+// Appends a text with its quotes doubled, but for a few characters at the end of its buffer or of
+// the room, and returns where it stopped. Texts of tens of thousands of characters are what
+// statements spend their time on, so it looks at eight of them at once.
+const wchar_t* StatementText::AppendBlocks(const wchar_t* text, const wchar_t* textEnd)
 {
   const __m128i quotes = _mm_set1_epi16(Quote);
   constexpr ptrdiff_t block = sizeof(quotes) / sizeof(wchar_t);
   wchar_t* place = end;
-  ptrdiff_t taken = block;
-  while (taken == block && textEnd - text >= block && last - place >= block) {
+  // A block whose last character is a quote takes a character more.
+  while (textEnd - text >= block && last - place > block) {
     const __m128i characters = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(place), characters);
     const __m128i stops = _mm_or_si128(_mm_cmpeq_epi16(characters, quotes),
                                        _mm_cmpeq_epi16(characters, _mm_setzero_si128()));
-    // Two bits for each character.
     const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(stops));
-    taken = mask == 0 ? block : std::countr_zero(mask) / 2;
+    if (mask == 0) {
+      text += block;
+      place += block;
+      continue;
+    }
+    // Two bits for each character.
+    const int taken = std::countr_zero(mask) / 2;
     text += taken;
     place += taken;
+    if (*text == L'\0')
+      break;
+    ++text;
+    place[0] = Quote;
+    place[1] = Quote;
+    place += 2;
   }
   end = place;
   *end = L'\0';

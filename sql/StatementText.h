@@ -34,7 +34,7 @@ public:
   wchar_t* Text() const { return QulWideScratch; }
 
 private:
-  const wchar_t* AppendUnquoted(const wchar_t* text, const wchar_t* textEnd);
+  const wchar_t* AppendBlocks(const wchar_t* text, const wchar_t* textEnd);
   void AppendFormatted(const wchar_t* format, ...);
   template <typename Number>
   void AppendDigits(Number number);
