@@ -26,15 +26,14 @@ bool RoundToMillionths(double number, uint64_t& millionths)
   constexpr uint64_t million = 1000000;
   const uint64_t bits = std::bit_cast<uint64_t>(number);
   const uint64_t exponent = bits >> fractionBits & 0x7FF;
-  // From 2^43 on the millionths might not fit into 64 bits.
-  if (exponent >= exponentBias + 43)
+  // From 2^44 on the millionths don't fit into 64 bits.
+  if (exponent >= exponentBias + 44)
     return false;
-  uint64_t mantissa = bits & (implicitBit - 1);
-  if (exponent != 0)
-    mantissa |= implicitBit;
-  const uint64_t shift = exponentBias + fractionBits - (exponent == 0 ? 1 : exponent);
+  const uint64_t mantissa = (bits & (implicitBit - 1)) | implicitBit;
+  const uint64_t shift = exponentBias + fractionBits - exponent;
   const Unsigned128 scaled = Unsigned128{mantissa} * million;
-  // 53 bits and 20 of the million: what is shifted further is less than a half.
+  // 53 bits and 20 of the million: what is shifted further is less than a half. Zero is among that,
+  // and so are the numbers that have no implicit bit.
   if (shift > 53 + 20) {
     millionths = 0;
     return true;
