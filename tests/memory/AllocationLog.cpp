@@ -20,8 +20,11 @@ struct LoggedArray
 };
 
 LoggedArray arrays[LoggedArrays];
-size_t arrayCount;
+size_t loggedArrays;
 size_t allocationCount;
+size_t arrayCount;
+constexpr size_t CountedBytes = 4096;
+size_t allocationsOfSize[CountedBytes];
 
 // The failure that is to come: of the allocations that it is about, the one behind so many others.
 enum class Failing
@@ -76,6 +79,8 @@ void* Allocate(size_t size, bool isArray)
   if (memory == nullptr)
     throw std::bad_alloc();
   ++allocationCount;
+  if (size < CountedBytes)
+    ++allocationsOfSize[size];
   return memory;
 }
 
@@ -120,8 +125,9 @@ void* operator new[](size_t size)
     ReplaceLiveArray(nullptr, memory);
     ++followedArrays;
   }
-  if (arrayCount < LoggedArrays)
-    arrays[arrayCount++] = {memory, allocationCount};
+  ++arrayCount;
+  if (loggedArrays < LoggedArrays)
+    arrays[loggedArrays++] = {memory, allocationCount};
   return memory;
 }
 
@@ -150,9 +156,21 @@ size_t AllocationCount()
   return allocationCount;
 }
 
+size_t ArrayCount()
+{
+  return arrayCount;
+}
+
+size_t AllocationCountOf(size_t bytes)
+{
+  if (bytes >= CountedBytes)
+    abort();
+  return allocationsOfSize[bytes];
+}
+
 int AllocationPosition(const void* memory)
 {
-  for (size_t i = 0; i < arrayCount; ++i) {
+  for (size_t i = 0; i < loggedArrays; ++i) {
     if (arrays[i].memory == memory)
       return static_cast<int>(arrays[i].position);
   }

@@ -9,6 +9,10 @@
 // How many allocations were made so far, by new and new[] together.
 size_t AllocationCount();
 
+// How many of them were made by new[], and how many are of exactly that many bytes, up to 4095.
+size_t ArrayCount();
+size_t AllocationCountOf(size_t bytes);
+
 // Position of the array at memory in the order of all allocations, -1 if new[] never gave it.
 int AllocationPosition(const void* memory);
 

@@ -1,6 +1,7 @@
 // Updates that memory doesn't suffice for: because it has run out, or because the configuration
 // file asks for a text of negative length. They are here for the sake of the program's own new,
 // which refuses what a sanitizer would end the program for.
+#include "database/TableSchema.h"
 #include "foundation/QulFileAccess.h"
 #include "tests/doubles/FilesDouble.h"
 #include "tests/memory/AllocationLog.h"
@@ -60,6 +61,66 @@ protected:
     EXPECT_EQ(TakeMisuses(), Lines());
     return true;
   }
+};
+
+// An update with a merge, a new table, two delete passes and a project patch, for which memory runs
+// out when everything is open.
+class UpdateRunMemory : public UpdateMachine
+{
+protected:
+  void SetUp() override
+  {
+    LayOut();
+    const size_t before[] = {ArrayCount(), AllocationCountOf(sizeof(TableSchema)),
+                             AllocationCountOf(sizeof(TableColumn))};
+    {
+      const DatabaseUpdateManager manager;
+      arraysOfOpening = static_cast<int>(ArrayCount() - before[0]);
+      schemasOfOpening = static_cast<int>(AllocationCountOf(sizeof(TableSchema)) - before[1]);
+      columnsOfOpening = static_cast<int>(AllocationCountOf(sizeof(TableColumn)) - before[2]);
+      linesOfOpening = Diary().size();
+    }
+    LayOut();
+    RunDatabaseUpdate(0, 0);
+    whole = Sent(linesOfOpening);
+    ASSERT_EQ(whole.size(), 68u);
+  }
+
+  static void LayOut()
+  {
+    ResetPlatform();
+    DataSourceTable.Free();
+    updatePromptPending = true;
+    SetDataPath("C:\\Data");
+    AddWholeUpdate();
+  }
+
+  // Runs it with a failure that was ordered. True if it came: it is reported, what had been sent by
+  // then is what a whole update sends up to there, and everything is closed. The leak check of the
+  // program looks at all of it.
+  bool BreaksOff() const
+  {
+    RunDatabaseUpdate(0, 0);
+    if (!TakeFailure())
+      return false;
+    EXPECT_EQ(Odbc().OpenConnections(), 0);
+    EXPECT_EQ(Odbc().OpenEnvironments(), 0);
+    EXPECT_EQ(DiaryOf({"SQLDisconnect"}).size(), 19u);
+    EXPECT_EQ(TakeMisuses(), Lines());
+    Lines sent = Sent(linesOfOpening);
+    EXPECT_FALSE(sent.empty());
+    EXPECT_EQ(sent.back(), "trace: \nCritical Error!!");
+    sent.pop_back();
+    EXPECT_TRUE(std::equal(sent.begin(), sent.end(), whole.begin()));
+    return true;
+  }
+
+  int arraysOfOpening = 0;
+  // Allocations of the same sizes: nothing is described before the run.
+  int schemasOfOpening = 0;
+  int columnsOfOpening = 0;
+  size_t linesOfOpening = 0;
+  Lines whole;
 };
 
 struct MalformedFile
@@ -144,16 +205,22 @@ TEST_F(UpdateMemory, WhatMemoryHeldBeforeIsNoPartOfAMark)
   EXPECT_STREQ(text.Text(), L"\xFF");
 }
 
-TEST_F(UpdateMemory, AnyArrayThatCanNotBeAllocatedEndsTheUpdate)
+TEST_F(UpdateMemory, AnyArrayThatCanNotBeAllocatedEndsTheOpening)
 {
-  int n = 0;
-  do {
+  LayOut();
+  const size_t before = ArrayCount();
+  size_t arraysOfOpening = 0;
+  {
+    const LeftToTheEnd buffersOfTheFile;
+    const DatabaseUpdateManager manager;
+    arraysOfOpening = ArrayCount() - before;
+  }
+  EXPECT_GT(arraysOfOpening, 200u);
+  for (size_t n = 1; n <= arraysOfOpening; ++n) {
     LayOut();
-    FailArrayAllocation(++n);
-  } while (BreaksOff());
-  // The last one found nothing left to fail.
-  EXPECT_GT(n, 200);
-  EXPECT_EQ(DiaryOf({"SQLDisconnect"}).size(), 19u);
+    FailArrayAllocation(static_cast<int>(n));
+    EXPECT_TRUE(BreaksOff()) << n;
+  }
 }
 
 TEST_F(UpdateMemory, AnyDatabaseThatCanNotBeAllocatedEndsTheUpdate)
@@ -174,4 +241,37 @@ TEST_F(UpdateMemory, AManagerThatCanNotBeAllocatedEndsTheUpdateBeforeAnythingIsO
   FailAllocationOf(sizeof(DatabaseUpdateManager), 1);
   EXPECT_TRUE(BreaksOff());
   EXPECT_EQ(DiaryOf({"FindFirstFileW", "SQLAllocHandle"}), Lines());
+}
+
+TEST_F(UpdateRunMemory, AnyArrayThatCanNotBeAllocatedEndsTheRun)
+{
+  int n = arraysOfOpening;
+  do {
+    LayOut();
+    FailArrayAllocation(++n);
+  } while (BreaksOff());
+  // The last one found nothing left to fail.
+  EXPECT_GT(n - arraysOfOpening, 200);
+  EXPECT_EQ(Sent(linesOfOpening), whole);
+}
+
+TEST_F(UpdateRunMemory, AnyTableDescriptionThatCanNotBeAllocatedEndsTheRun)
+{
+  int n = schemasOfOpening;
+  do {
+    LayOut();
+    FailAllocationOf(sizeof(TableSchema), ++n);
+  } while (BreaksOff());
+  // Six steps with a source and a target each.
+  EXPECT_EQ(n - schemasOfOpening, 12 + 1);
+}
+
+TEST_F(UpdateRunMemory, AnyColumnThatCanNotBeAllocatedEndsTheRun)
+{
+  int n = columnsOfOpening;
+  do {
+    LayOut();
+    FailAllocationOf(sizeof(TableColumn), ++n);
+  } while (BreaksOff());
+  EXPECT_GE(n - columnsOfOpening, 26 + 1);
 }

@@ -3,6 +3,7 @@
 #include "launcher/LauncherMain.h"
 #include "tests/doubles/ProcessDouble.h"
 #include "update/DatabaseConfiguration.h"
+#include "update/DatabaseUpdateManager.h"
 
 const char* const LaunchMachine::AddOnKey = "Software\\Norvane\\Kestrelforge\\2010";
 const char* const LaunchMachine::StartupKey = "Software\\Norvane\\Kestrelforge\\2010\\Startup";
@@ -33,6 +34,7 @@ void RecordLocation(bool is64Bit, const std::string& hostKey)
 LaunchMachine::LaunchMachine()
 {
   DataSourceTable.Free();
+  updatePromptPending = true;
 }
 
 void LaunchMachine::TearDown()

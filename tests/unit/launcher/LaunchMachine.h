@@ -16,7 +16,8 @@ class LaunchMachine : public PlatformTest
 protected:
   using Lines = std::vector<std::string>;
 
-  // What an earlier run read of the configuration file is forgotten before and behind each test.
+  // What an earlier run read of the configuration file is forgotten before and behind each test,
+  // and that it was confirmed.
   LaunchMachine();
   void TearDown() override;
 

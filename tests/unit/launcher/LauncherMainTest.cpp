@@ -1,6 +1,7 @@
 #include "launcher/LauncherMain.h"
 
 #include "tests/doubles/DebugOutputDouble.h"
+#include "tests/doubles/FilesDouble.h"
 #include "tests/doubles/OdbcDouble.h"
 #include "tests/doubles/ProcessDouble.h"
 #include "tests/doubles/Text.h"
@@ -383,6 +384,23 @@ TEST_F(LaunchSequence, AnUpdateThatBreaksOffDoesNotStopTheRun)
   }
   EXPECT_EQ(DebugTexts(), (Lines{"\n", "\nCritical Error!!"}));
   EXPECT_EQ(Processes().Variable("PATH"), "c:\\windows;");
+  EXPECT_EQ(HostCommandLine(), "/nologo ");
+}
+
+TEST_F(LaunchSequence, AnUpdateThatBreaksOffInItsMiddleClosesTheDatabasesAndDoesNotStopTheRun)
+{
+  InstallUsualHost();
+  const std::string driver = "DRIVER={Kestrel ODBC Driver};UID=;PWD=;DBQ=";
+  Files().Put("C:\\DatabaseUpdate\\a.mdb", "");
+  Odbc().Database(driver + "\\DatabaseUpdate\\a.mdb").Table("KFVersion", {{"MajorNumber", "2"}});
+  Odbc().Database(driver + "\\Kernel\\Data\\model.mdb").Table("KFVersion", {{"MajorNumber", "1"}});
+  // The patch's four tables and the database's three are read before the first statement is sent.
+  FailOdbcCall("SQLExecDirectW throwing", 4 + 3 + 1, 7);
+  Launch("");
+  EXPECT_EQ(DebugTexts().back(), "\nCritical Error!!");
+  EXPECT_EQ(DiaryOf({"SQLExecDirectW"}).size(), 8u);
+  EXPECT_EQ(DiaryOf({"SQLDisconnect"}).size(), 18u);
+  EXPECT_EQ(Odbc().OpenEnvironments(), 0);
   EXPECT_EQ(HostCommandLine(), "/nologo ");
 }
 

@@ -1,111 +1,25 @@
-// Updates over real files, by way of the driver manager and the driver of development machines.
+// The databases of an update over real files: opened, read and closed.
 #include "database/UpdateTable.h"
 #include "tests/doubles/FilesDouble.h"
-#include "tests/doubles/LiveOdbc.h"
-#include "tests/unit/settings/SettingsMachine.h"
+#include "tests/doubles/Text.h"
 #include "tests/unit/update/LeftToTheEnd.h"
-#include "tests/unit/update/UpdateMachine.h"
+#include "tests/unit/update/LiveMachine.h"
 #include "update/DatabaseUpdateManager.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <map>
-
 namespace {
 
-class LiveUpdate : public UpdateMachine
-{
-protected:
-  void SetUp() override { ASSERT_TRUE(UseLiveOdbc()); }
-
-  static std::string ProductFile(const std::string& name)
-  {
-    return name == "QuillCurrentProject" ? "C:\\Data\\Kernel\\Data\\model.mdb"
-                                         : "C:\\Data\\Bases\\" + name + ".mdb";
-  }
-
-  static std::string PatchFile(const std::string& name)
-  {
-    return std::string(PatchFolder) + "\\" + name;
-  }
-
-  static std::string ProjectFile(const std::string& name)
-  {
-    return std::string(ProjectFolder) + "\\" + name;
-  }
-
-  static void MakeDatabase(const std::string& path, int major)
-  {
-    ASSERT_EQ(RunSql(path, {"CREATE TABLE KFVersion (Attribute TEXT(50), [Value] TEXT(50))",
-                            "INSERT INTO KFVersion VALUES ('MajorNumber', '" +
-                                std::to_string(major) + "')",
-                            "CREATE TABLE KFProjectsVersion (Attribute TEXT(50), [Value] TEXT(50))",
-                            "CREATE TABLE Info (Name TEXT(50), [Value] MEMO, Type TEXT(50))",
-                            "INSERT INTO Info VALUES ('Parts', 'a;b', 'LanguageDependent')"}),
-              "");
-  }
-
-  // A patch of one step.
-  static void MakePatch(const std::string& path, int major, const std::string& table)
-  {
-    MakeDatabase(path, major);
-    ASSERT_EQ(RunSql(path, {"CREATE TABLE UpdateTable (ID COUNTER, Base TEXT(50), Source TEXT(50), "
-                            "Target TEXT(50), DeleteRows BIT, Recreate BIT, CreateIfMissing BIT)",
-                            "INSERT INTO UpdateTable VALUES (1, 'QuillRules', '" + table + "', '" +
-                                table + "', 0, 0, 1)"}),
-              "");
-  }
-
-  // All of the product's databases, found in the three places.
-  static void InstallProduct()
-  {
-    std::string elements;
-    for (const std::string& name : ProductNames()) {
-      MakeDatabase(ProductFile(name), 1);
-      elements += Entry(name, ConnectionStringOf(ProductFile(name)));
-    }
-    PutConfiguration(elements);
-    SetUserConnection("QuillProfiles2010", ConnectionStringOf(ProductFile("QuillProfiles2010")));
-    SetMachineConnection("NVCMapping2010", ConnectionStringOf(ProductFile("NVCMapping2010")));
-    EXPECT_EQ(Load(), 17);
-    ClearDiary();
-  }
-
-  // The bytes of all files that there are.
-  static std::map<std::string, std::string> AllFiles()
-  {
-    std::map<std::string, std::string> files;
-    const std::filesystem::path root = Files().UnixPath("C:\\");
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
-      const std::string name = std::filesystem::relative(entry.path(), root).string();
-      std::string path = "C:\\" + name;
-      std::replace(path.begin(), path.end(), '/', '\\');
-      files[name] = entry.is_regular_file() ? Files().Read(path) : "folder";
-    }
-    return files;
-  }
-
-  static void ExpectSameFiles(const std::map<std::string, std::string>& before)
-  {
-    const auto after = AllFiles();
-    EXPECT_EQ(after.size(), before.size());
-    for (const auto& [name, bytes] : before) {
-      ASSERT_TRUE(after.contains(name)) << name;
-      EXPECT_TRUE(after.at(name) == bytes) << name << " has changed.";
-    }
-  }
-};
+using LiveUpdate = LiveMachine;
 
 }  // namespace
 
 TEST_F(LiveUpdate, OpensAllDatabasesInOrderAndClosesThemInOrder)
 {
-  InstallProduct();
-  MakePatch(PatchFile("a.mdb"), 3, "Parts");  // dbc#1
-  MakePatch(PatchFile("b.mdb"), 2, "Parts");  // dbc#2, the older one
-  MakePatch(ProjectFile("c.mdb"), 1, "Parts");
+  InstallProduct({9, 0, 0, 0});
+  AddLivePatch("a.mdb", {3, 0, 0, 0});  // dbc#1
+  AddLivePatch("b.mdb", {2, 0, 0, 0});  // dbc#2, the older one
+  AddLiveProjectPatch("c.mdb", {});
   RunDatabaseUpdate(0, 0);
   EXPECT_EQ(Traces(), Lines());
   Lines connections = {ConnectionStringOf(PatchFile("a.mdb")),
@@ -121,11 +35,11 @@ TEST_F(LiveUpdate, OpensAllDatabasesInOrderAndClosesThemInOrder)
   EXPECT_EQ(Odbc().OpenEnvironments(), 0);
 }
 
-TEST_F(LiveUpdate, ChangesNoByteOfAnyFileAndLeavesNoneBehind)
+TEST_F(LiveUpdate, ThatFindsNothingOlderChangesNoByteOfAnyFileAndLeavesNoneBehind)
 {
-  InstallProduct();
-  MakePatch(PatchFile("a.mdb"), 3, "Parts");
-  MakePatch(ProjectFile("c.mdb"), 1, "Parts");
+  InstallProduct({9, 0, 0, 0});
+  AddLivePatch("a.mdb", {9, 0, 0, 0});
+  AddLiveProjectPatch("c.mdb", {});
   const auto before = AllFiles();
   RunDatabaseUpdate(0, 0);
   ExpectSameFiles(before);
@@ -133,9 +47,10 @@ TEST_F(LiveUpdate, ChangesNoByteOfAnyFileAndLeavesNoneBehind)
 
 TEST_F(LiveUpdate, ReadsWhatTheDatabasesSayAboutThemselves)
 {
-  InstallProduct();
-  MakePatch(PatchFile("a.mdb"), 3, "NewParts");
-  MakePatch(PatchFile("b.mdb"), 2, "OldParts");
+  InstallProduct({9, 0, 0, 0});
+  AddLivePatch("a.mdb", {3, 0, 0, 0});
+  AddLivePatch("b.mdb", {2, 0, 0, 0});
+  AddStep(PatchFile("b.mdb"), "QuillRules", "Parts", "OldParts");
   const DatabaseUpdateManager manager;
   ASSERT_EQ(NamesOf(manager.patchDatabases), (Lines{"b.mdb", "a.mdb"}));
   const QulPatchDatabase& older = *manager.patchDatabases.data[0];
@@ -144,16 +59,16 @@ TEST_F(LiveUpdate, ReadsWhatTheDatabasesSayAboutThemselves)
   EXPECT_EQ(older.GetMajorNumber(), 2);
   for (int i = 0; i < 17; ++i) {
     EXPECT_TRUE(manager.modelDatabases.data[i]->connected) << i;
-    EXPECT_TRUE(manager.modelDatabases.data[i]->IsOlderThan(&older)) << i;
+    EXPECT_TRUE(older.IsOlderThan(manager.modelDatabases.data[i])) << i;
   }
 }
 
 TEST_F(LiveUpdate, PassesOverADamagedPatch)
 {
-  InstallProduct();
-  MakePatch(PatchFile("a.mdb"), 3, "Parts");
+  InstallProduct({9, 0, 0, 0});
+  AddLivePatch("a.mdb", {3, 0, 0, 0});
   Files().Put(PatchFile("b.mdb"), std::string(5000, 'x'));
-  MakePatch(PatchFile("c.mdb"), 2, "Parts");
+  AddLivePatch("c.mdb", {2, 0, 0, 0});
   const auto before = AllFiles();
   {
     const LeftToTheEnd damagedPatch;
@@ -166,7 +81,7 @@ TEST_F(LiveUpdate, PassesOverADamagedPatch)
 
 TEST_F(LiveUpdate, PassesOverAFolderWithTheNameOfAPatch)
 {
-  InstallProduct();
+  InstallProduct({9, 0, 0, 0});
   Files().MakeFolder(PatchFile("folder.mdb"));
   {
     const LeftToTheEnd folderThatIsNoPatch;
@@ -178,7 +93,7 @@ TEST_F(LiveUpdate, PassesOverAFolderWithTheNameOfAPatch)
 
 TEST_F(LiveUpdate, KeepsThePlaceOfADatabaseThatIsMissingAndDoesNotMakeIt)
 {
-  InstallProduct();
+  InstallProduct({9, 0, 0, 0});
   Files().Remove(ProductFile("QuillAddition"));
   Files().Remove(ProductFile("QuillCurrentProject"));
   const auto before = AllFiles();
@@ -194,7 +109,7 @@ TEST_F(LiveUpdate, KeepsThePlaceOfADatabaseThatIsMissingAndDoesNotMakeIt)
 
 TEST_F(LiveUpdate, ReportsADamagedDatabaseOfTheProductAndGoesOn)
 {
-  InstallProduct();
+  InstallProduct({9, 0, 0, 0});
   Files().Put(ProductFile("QuillRules"), std::string(5000, 'x'));
   RunDatabaseUpdate(0, 0);
   EXPECT_EQ(Traces(), Lines{ConnectTrace});
@@ -203,7 +118,7 @@ TEST_F(LiveUpdate, ReportsADamagedDatabaseOfTheProductAndGoesOn)
 
 TEST_F(LiveUpdate, TakesADatabaseWithoutTablesForOneOfNoVersion)
 {
-  InstallProduct();
+  InstallProduct({9, 0, 0, 0});
   Files().Remove(ProductFile("QuillBase"));
   ASSERT_EQ(RunSql(ProductFile("QuillBase"), {"CREATE TABLE Other (A LONG)"}), "");
   const DatabaseUpdateManager manager;

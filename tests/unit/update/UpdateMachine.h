@@ -30,7 +30,8 @@ class UpdateMachine : public PlatformTest
 protected:
   using Lines = std::vector<std::string>;
 
-  // The entries of a configuration file are process-wide and begin empty for each test.
+  // The entries of a configuration file and the pending question are process-wide and begin anew
+  // for each test.
   UpdateMachine();
   void TearDown() override;
 
@@ -53,23 +54,37 @@ protected:
   static Lines Entries();
   static std::string ConnectionOf(const std::string& name);
 
-  // A product's database that the configuration leads to, and that has the tables of its version
+  // A product's database that the configuration leads to, and that has the tables of its versions
   // and its infos. All that are wanted are added before the update begins.
-  static void AddProductDatabase(const std::string& name);
+  static OdbcDatabase& AddProductDatabase(const std::string& name, const Version& version = {},
+                                          const OdbcRows& projectsVersion = {});
   static std::string ProductConnection(const std::string& name);
 
   // A patch that can be connected to, in the folder of the patches unless another is given.
   static OdbcDatabase& AddPatch(const std::string& fileName, const Version& version = {},
                                 const std::string& folder = PatchFolder);
+  // A project patch with these attributes and numbers.
+  static OdbcDatabase& AddProjectPatch(const std::string& fileName,
+                                       const OdbcRows& projectsVersion);
   // A file in the place of a patch that can't.
   static void AddDamagedPatch(const std::string& fileName, const std::string& folder = PatchFolder);
   static std::string PatchConnection(const std::string& fileName,
                                      const std::string& folder = PatchFolder);
 
+  // A machine on which an update does some of everything: a patch merges rows, makes a table with
+  // texts of several languages, and deletes rows by their key and by all columns, in QuillRules,
+  // which obeys, and merges in QuillBase, which refuses; a project patch follows for both.
+  static void AddWholeUpdate();
+
   // The connection strings that were tried, in order.
   static Lines TriedConnections();
   // What was traced, each with the line feed that is sent before it.
   static Lines Traces();
+
+  // What the databases were told from the beginning of the diary's line `begin` on, as
+  // "QuillRules: UPDATE ...", with " -> code" or " throws" behind what did not give 0, and the
+  // traces in between, as "trace: ...". Databases go by the last part of their connection strings.
+  static Lines Sent(size_t begin = 0);
   static const char* const ConnectTrace;
 
   template <typename Database>
