@@ -45,6 +45,7 @@ struct Record
   std::string function;
   bool isEntry = false;
   std::string result;  // of an exit; else empty
+  std::string reason;  // of an exit that tells one: "[23000] [Driver] text"
   std::map<std::string, std::string> values;
 };
 
@@ -64,6 +65,8 @@ std::vector<Record> ReadRecords(const std::string& trace)
       records.back().isEntry = true;
     } else if (StartsWith(line.substr(text), "Exit:[")) {
       records.back().result = Between(line, "Exit:[", "]");
+    } else if (StartsWith(line.substr(text), "DIAG ")) {
+      records.back().reason = line.substr(text + 5);
     } else if (equals != std::string::npos) {
       records.back().values[line.substr(text, equals - text)] = line.substr(equals + 3);
     }
@@ -91,10 +94,11 @@ private:
     entry = record;
     if (record.function == "SQLDriverConnectW") {
       connectionOf[Value("Connection")] = traffic.connections.size();
-      traffic.connections.push_back({FileOf(Value("Str In")), false, false, {}});
+      traffic.connections.push_back({FileOf(Value("Str In")), false, false, {}, {}});
     } else if (record.function == "SQLExecDirectW") {
       if (OdbcConnection* connection = Find(statementOwner[Value("Statement")])) {
         connection->statements.push_back(Between(Value("SQL"), "[", "][length"));
+        connection->outcomes.emplace_back();
       }
     } else if (record.function == "SQLDisconnect") {
       Release(Find(Value("Connection")));
@@ -121,6 +125,10 @@ private:
       const auto output = record.values.find("Output Handle");
       if (output != record.values.end()) {
         statementOwner[output->second] = Value("Input Handle");
+      }
+    } else if (record.function == "SQLExecDirectW" && entry.function == record.function) {
+      if (OdbcConnection* connection = Find(statementOwner[Value("Statement")])) {
+        connection->outcomes.back() = {record.result, record.reason};
       }
     }
   }

@@ -11,6 +11,14 @@ INSERT INTO KFVersion VALUES ('CommMinorVersion', '0');
 INSERT INTO KFVersion VALUES ('CommSPNumber', '0');
 INSERT INTO KFVersion VALUES ('BuildNumber', '512');
 
+CREATE TABLE KFProjectsVersion (
+  [Attribute] TEXT(255) NOT NULL,
+  [Value] TEXT(255) NOT NULL,
+  PRIMARY KEY ([Attribute]));
+INSERT INTO KFProjectsVersion VALUES ('SteelGrades', '3');
+INSERT INTO KFProjectsVersion VALUES ('BoltSets', '2');
+INSERT INTO KFProjectsVersion VALUES ('WeldClasses', '1');
+
 CREATE TABLE InfoTableRelations (
   [ID] LONG NOT NULL,
   [TableName] TEXT(50) NOT NULL,
@@ -25,3 +33,12 @@ CREATE TABLE Environment (
   PRIMARY KEY ([VariableName]));
 INSERT INTO Environment VALUES ('KernelCache', '64');
 INSERT INTO Environment VALUES ('KernelTolerance', '0.001');
+
+-- Nothing tells a key for this one.
+CREATE TABLE SearchFolders (
+  [Purpose] TEXT(30) NOT NULL,
+  [Folder] TEXT(255) NOT NULL,
+  [Depth] SMALLINT NOT NULL);
+INSERT INTO SearchFolders VALUES ('Blocks', 'C:\Drawings\Blocks', 2);
+INSERT INTO SearchFolders VALUES ('Blocks', 'C:\Old\Blocks', 2);
+INSERT INTO SearchFolders VALUES ('Fonts', 'C:\Old\Fonts', 0);

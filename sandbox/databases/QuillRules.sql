@@ -11,6 +11,14 @@ INSERT INTO KFVersion VALUES ('CommMinorVersion', '0');
 INSERT INTO KFVersion VALUES ('CommSPNumber', '0');
 INSERT INTO KFVersion VALUES ('BuildNumber', '512');
 
+CREATE TABLE KFProjectsVersion (
+  [Attribute] TEXT(255) NOT NULL,
+  [Value] TEXT(255) NOT NULL,
+  PRIMARY KEY ([Attribute]));
+INSERT INTO KFProjectsVersion VALUES ('SteelGrades', '3');
+INSERT INTO KFProjectsVersion VALUES ('BoltSets', '2');
+INSERT INTO KFProjectsVersion VALUES ('WeldClasses', '1');
+
 CREATE TABLE Info (
   [Name] TEXT(50) NOT NULL,
   [Value] MEMO NOT NULL,

@@ -1,8 +1,10 @@
 // Reads a trace of unixODBC and prints what it tells of databases, a line each, in order:
-//   opened <file>   or   refused <file>   for each connection that was asked for,
-//   read <file> <statement>               for each statement run on it,
-//   closed <file>                         for each one that was disconnected again.
-// Word, file and statement are separated by tabs. OdbcTraffic.exe <trace file>
+//   opened <file>   or   refused <file>        for each connection that was asked for,
+//   ran <file> <result> <statement> <reason>   for each statement run on it: SQL_SUCCESS,
+//                                              SQL_NO_DATA, SQL_ERROR ..., the text, and why it
+//                                              failed or nothing,
+//   closed <file>                              for each one that was disconnected again.
+// What stands in <> is separated by tabs. OdbcTraffic.exe <trace file>
 
 #include "sandbox/common/OdbcTrace.h"
 #include "sandbox/common/SandboxFiles.h"
@@ -29,8 +31,10 @@ int main()
   const OdbcTraffic traffic = ParseOdbcTrace(trace);
   for (const OdbcConnection& connection : traffic.connections) {
     printf("%s\t%s\n", connection.connected ? "opened" : "refused", connection.file.c_str());
-    for (const std::string& statement : connection.statements) {
-      printf("read\t%s\t%s\n", connection.file.c_str(), statement.c_str());
+    for (size_t i = 0; i < connection.statements.size(); ++i) {
+      const OdbcOutcome& outcome = connection.outcomes[i];
+      printf("ran\t%s\t%s\t%s\t%s\n", connection.file.c_str(), outcome.result.c_str(),
+             connection.statements[i].c_str(), outcome.reason.c_str());
     }
   }
   for (const std::string& file : traffic.closed) {

@@ -1,43 +1,24 @@
 // Which databases a launch opens, what it reads of them, what it says of those that it can't open,
-// and that it leaves every one as it was.
+// and that it leaves every one as it was if no patch is newer.
 
 #include "sandbox/common/SandboxFiles.h"
 #include "tests/system/DatabaseMachine.h"
+#include "tests/system/HeldDatabase.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <map>
 
 namespace {
 
+// A patch of this version is older than every database.
+constexpr PatchVersion Outdated = {.majorNumber = 1};
+
 class DatabaseDiscovery : public DatabaseTest
 {
 protected:
-  // Every file below the data folder with its bytes.
-  static std::map<std::string, std::string> DataFiles()
-  {
-    std::map<std::string, std::string> files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(DataFolder())) {
-      if (entry.is_regular_file()) {
-        EXPECT_TRUE(ReadWholeFile(entry.path().wstring(), files[ToUtf8(entry.path().wstring())]));
-      }
-    }
-    return files;
-  }
-
   static void MakeReadOnly(const std::string& file)
   {
     ASSERT_TRUE(SetFileAttributesW(DataPath(file).c_str(), FILE_ATTRIBUTE_READONLY));
-  }
-
-  static std::vector<std::string> StatementsOn(const DatabaseRun& run, const std::string& file)
-  {
-    for (const OdbcConnection& connection : run.traffic.connections) {
-      if (connection.file == file) {
-        return connection.statements;
-      }
-    }
-    return {"not opened"};
   }
 
   // Without one file, all others are opened in their order, and it is reported once.
@@ -49,50 +30,6 @@ protected:
     EXPECT_EQ(run.Refused(), std::vector<std::string>{file});
     EXPECT_EQ(run.Traces(), ConnectFailures(1));
   }
-};
-
-// A database that a process of the machine outside of Wine has locked.
-class HeldDatabase
-{
-public:
-  explicit HeldDatabase(const std::wstring& path) : mark(path + L".held")
-  {
-    const std::string script = std::string(KESTREL_SOURCE_FOLDER) + "/sandbox/hold-database";
-    std::wstring program = L"\\\\?\\unix" + FromUtf8(script);
-    std::replace(program.begin(), program.end(), L'/', L'\\');
-    std::wstring commandLine = L"hold-database " + UnixPath(path);
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process = {};
-    EXPECT_TRUE(CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0,
-                               nullptr, nullptr, &startup, &process));
-    for (int tries = 0; tries < 500 && !IsHeld(); ++tries) {
-      Sleep(10);
-    }
-    EXPECT_TRUE(IsHeld()) << path;
-  }
-
-  ~HeldDatabase() { DeleteFileW(mark.c_str()); }
-
-  HeldDatabase(const HeldDatabase&) = delete;
-  HeldDatabase& operator=(const HeldDatabase&) = delete;
-
-private:
-  static std::wstring UnixPath(const std::wstring& path)
-  {
-    using UnixFileName = char*(CDECL*)(const wchar_t*);
-    const FARPROC function =
-        GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name");
-    char* const name =
-        reinterpret_cast<UnixFileName>(reinterpret_cast<void*>(function))(path.c_str());
-    const std::wstring result = FromUtf8(name);
-    HeapFree(GetProcessHeap(), 0, name);
-    return result;
-  }
-
-  bool IsHeld() const { return GetFileAttributesW(mark.c_str()) != INVALID_FILE_ATTRIBUTES; }
-
-  std::wstring mark;
 };
 
 }  // namespace
@@ -150,24 +87,11 @@ TEST_F(DatabaseDiscovery, AFolderInThePlaceOfADatabaseIsReportedAndPassedOver)
   ExpectOnlyMissing(Launch(), ProductFile("QuillCurrentProject"));
 }
 
-TEST_F(DatabaseDiscovery, ALockedDatabaseIsWaitedForReportedAndPassedOver)
-{
-  LayProduct();
-  const ULONGLONG start = GetTickCount64();
-  {
-    const HeldDatabase held(DataPath(ProductFile("QuillSettings")));
-    ExpectOnlyMissing(Launch(), ProductFile("QuillSettings"));
-  }
-  const ULONGLONG milliseconds = GetTickCount64() - start;
-  EXPECT_GE(milliseconds, 4500u);
-  EXPECT_LT(milliseconds, 15000u);
-}
-
 TEST_F(DatabaseDiscovery, ALockedPatchIsWaitedForReportedAndLeftOut)
 {
   LayProduct();
-  LayPatch("A.mdb", {});
-  LayPatch("B.mdb", {});
+  LayPatch("A.mdb", Outdated);
+  LayPatch("B.mdb", Outdated);
   const HeldDatabase held(DataPath("DatabaseUpdate\\A.mdb"));
   const DatabaseRun run = Launch();
   EXPECT_EQ(run.Refused(), std::vector<std::string>{"DatabaseUpdate\\A.mdb"});
@@ -178,7 +102,7 @@ TEST_F(DatabaseDiscovery, ALockedPatchIsWaitedForReportedAndLeftOut)
 TEST_F(DatabaseDiscovery, ReadOnlyDatabasesAreOpenedAndRead)
 {
   LayProduct();
-  LayPatch("A.mdb", {});
+  LayPatch("A.mdb", Outdated);
   for (const std::string& file : ProductFiles()) {
     MakeReadOnly(file);
   }
@@ -191,7 +115,7 @@ TEST_F(DatabaseDiscovery, ReadOnlyDatabasesAreOpenedAndRead)
 TEST_F(DatabaseDiscovery, TheVersionsAndTheLanguagesOfADatabaseAreRead)
 {
   LayProduct();
-  EXPECT_EQ(StatementsOn(Launch(), ProductFile("QuillBase")),
+  EXPECT_EQ(Launch().StatementsOn(ProductFile("QuillBase")),
             (std::vector<std::string>{"SELECT * FROM KFVersion", "SELECT * FROM KFProjectsVersion",
                                       "SELECT * FROM Info"}));
 }
@@ -200,7 +124,7 @@ TEST_F(DatabaseDiscovery, OfAPatchTheStepsAreReadToo)
 {
   LayPatch("A.mdb", {});
   EXPECT_EQ(
-      StatementsOn(Launch(), "DatabaseUpdate\\A.mdb"),
+      Launch().StatementsOn("DatabaseUpdate\\A.mdb"),
       (std::vector<std::string>{"SELECT * FROM KFVersion", "SELECT * FROM KFProjectsVersion",
                                 "SELECT * FROM Info", "SELECT * FROM UpdateTable ORDER BY [ID]"}));
 }
@@ -214,7 +138,7 @@ TEST_F(DatabaseDiscovery, TheStepsAreReadFromTheTableOfTheLanguage)
            "'LanguageDependentTables')"});
   const DWORD german = 1031;
   Machine64.WriteNumber(EnvironmentKey, L"Language", german);
-  EXPECT_EQ(StatementsOn(Launch(), "DatabaseUpdate\\A.mdb").back(),
+  EXPECT_EQ(Launch().StatementsOn("DatabaseUpdate\\A.mdb").back(),
             "SELECT * FROM UpdateTableDE ORDER BY [ID]");
 }
 
@@ -226,11 +150,11 @@ TEST_F(DatabaseDiscovery, MissingTablesOfVersionAndLanguageAreNoFailure)
   EXPECT_EQ(run.Traces(), ConnectFailures(16));
 }
 
-TEST_F(DatabaseDiscovery, ALaunchChangesNoByteOfAnyFileAndLeavesNoneBehind)
+TEST_F(DatabaseDiscovery, ALaunchWithoutANewerPatchChangesNoByteOfAnyFileAndLeavesNoneBehind)
 {
   LayProduct();
-  LayPatch("A.mdb", {});
-  LayCopy("updates\\projects\\SteelProjects.mdb", "DatabaseUpdate\\Projects\\P.mdb");
+  LayPatch("A.mdb", Outdated);
+  LayPatch("Projects\\P.mdb", {});
   const std::map<std::string, std::string> before = DataFiles();
   ASSERT_EQ(before.size(), 20u);
   EXPECT_EQ(Launch().Opened().size(), 19u);

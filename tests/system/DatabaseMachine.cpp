@@ -66,16 +66,36 @@ public:
   OdbcConnectionOfTest(const OdbcConnectionOfTest&) = delete;
   OdbcConnectionOfTest& operator=(const OdbcConnectionOfTest&) = delete;
 
-  void Execute(const std::string& statementText)
+  // Runs the statement and gives its rows.
+  std::vector<std::string> Execute(const std::string& statementText)
   {
     SQLHSTMT statement = SQL_NULL_HSTMT;
     SQLAllocHandle(SQL_HANDLE_STMT, connection, &statement);
     std::wstring text = FromUtf8(statementText);
     EXPECT_TRUE(SQL_SUCCEEDED(SQLExecDirectW(statement, text.data(), SQL_NTS))) << statementText;
+    SQLSMALLINT columns = 0;
+    SQLNumResultCols(statement, &columns);
+    std::vector<std::string> rows;
+    while (columns > 0 && SQL_SUCCEEDED(SQLFetch(statement))) {
+      rows.push_back(Row(statement, columns));
+    }
     SQLFreeHandle(SQL_HANDLE_STMT, statement);
+    return rows;
   }
 
 private:
+  static std::string Row(SQLHSTMT statement, SQLSMALLINT columns)
+  {
+    std::string row;
+    for (SQLUSMALLINT column = 1; column <= columns; ++column) {
+      wchar_t value[500] = {};
+      SQLLEN length = SQL_NULL_DATA;
+      SQLGetData(statement, column, SQL_C_WCHAR, value, sizeof value, &length);
+      row += (column > 1 ? "|" : "") + (length < 0 ? "<null>" : ToUtf8(value));
+    }
+    return row;
+  }
+
   SQLHENV environment = SQL_NULL_HENV;
   SQLHDBC connection = SQL_NULL_HDBC;
 };
@@ -139,6 +159,16 @@ std::vector<std::string> DatabaseRun::Refused() const
     }
   }
   return files;
+}
+
+std::vector<std::string> DatabaseRun::StatementsOn(const std::string& file) const
+{
+  for (const OdbcConnection& connection : traffic.connections) {
+    if (connection.file == file) {
+      return connection.statements;
+    }
+  }
+  return {"not opened"};
 }
 
 std::vector<std::string> DatabaseRun::Traces() const
@@ -247,8 +277,57 @@ void DatabaseTest::Execute(const std::string& file, const std::vector<std::strin
 {
   OdbcConnectionOfTest connection(ConnectionString(file));
   for (const std::string& statement : statements) {
-    connection.Execute(statement);
+    (void)connection.Execute(statement);
   }
+}
+
+std::vector<std::string> DatabaseTest::Select(const std::string& file, const std::string& query)
+{
+  return OdbcConnectionOfTest(ConnectionString(file)).Execute(query);
+}
+
+void DatabaseTest::MakeDatabase(const std::string& file, const PatchVersion& version,
+                                const std::vector<std::string>& statements)
+{
+  LayBytes(file, "");
+  std::vector<std::string> all = {
+      "CREATE TABLE KFVersion ([Attribute] TEXT(50), [Value] TEXT(50))"};
+  const std::pair<const char*, int> numbers[] = {{"MajorNumber", version.majorNumber},
+                                                 {"MinorNumber", version.minorNumber},
+                                                 {"CommSPNumber", version.servicePack},
+                                                 {"BuildNumber", version.build},
+                                                 {"CommMajorVersion", 2010},
+                                                 {"CommMinorVersion", 0}};
+  for (const auto& [attribute, number] : numbers) {
+    all.push_back("INSERT INTO KFVersion VALUES ('" + std::string(attribute) + "', '" +
+                  std::to_string(number) + "')");
+  }
+  all.insert(all.end(), statements.begin(), statements.end());
+  Execute(file, all);
+}
+
+std::string DatabaseTest::StoredVersion(const std::string& file)
+{
+  std::string version;
+  for (const char* attribute : {"MajorNumber", "MinorNumber", "CommSPNumber", "BuildNumber"}) {
+    for (const std::string& number :
+         Select(file, "SELECT [Value] FROM KFVersion WHERE [Attribute]='" + std::string(attribute) +
+                          "'")) {
+      version += (version.empty() ? "" : ".") + number;
+    }
+  }
+  return version;
+}
+
+std::map<std::string, std::string> DatabaseTest::DataFiles()
+{
+  std::map<std::string, std::string> files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(DataFolder())) {
+    if (entry.is_regular_file()) {
+      EXPECT_TRUE(ReadWholeFile(entry.path().wstring(), files[ToUtf8(entry.path().wstring())]));
+    }
+  }
+  return files;
 }
 
 DatabaseRun DatabaseTest::Launch()

@@ -4,6 +4,8 @@
 #include "sandbox/common/OdbcTrace.h"
 #include "tests/system/LauncherTest.h"
 
+#include <map>
+
 // A launch with what it did with its databases. Files are named relative to the data folder.
 struct DatabaseRun : LauncherRun
 {
@@ -12,6 +14,8 @@ struct DatabaseRun : LauncherRun
   // In the order in which they were asked for.
   std::vector<std::string> Opened() const;
   std::vector<std::string> Refused() const;
+  // What was sent to the database of that file.
+  std::vector<std::string> StatementsOn(const std::string& file) const;
   // Each trace of the run without the line feed in front of it.
   std::vector<std::string> Traces() const;
 };
@@ -61,6 +65,18 @@ protected:
 
   // Runs statements on a database of the data folder through the driver.
   static void Execute(const std::string& file, const std::vector<std::string>& statements);
+  // The rows of a query, each as its values with `|` between them, NULL as `<null>`.
+  static std::vector<std::string> Select(const std::string& file, const std::string& query);
+
+  // A database with its version and nothing else but what the statements make. What is there
+  // already is replaced.
+  static void MakeDatabase(const std::string& file, const PatchVersion& version,
+                           const std::vector<std::string>& statements = {});
+  // As it is stored: major, minor, service pack and build number.
+  static std::string StoredVersion(const std::string& file);
+
+  // Every file below the data folder with its bytes.
+  static std::map<std::string, std::string> DataFiles();
 
   // The run has to end with 0, and to have started the host.
   DatabaseRun Launch();

@@ -179,8 +179,8 @@ TEST_F(PatchOrder, ProjectPatchesAreFoundWithoutAnyOtherPatch)
 TEST_F(PatchOrder, ThePatchesAreClosedBeforeTheProduct)
 {
   LayProduct();
-  LayPatch("A.mdb", {.minorNumber = 2});
-  LayPatch("B.mdb", {.minorNumber = 1});
+  LayPatch("A.mdb", {.majorNumber = 2});
+  LayPatch("B.mdb", {.majorNumber = 1});
   std::vector<std::string> expected = Patches({"B.mdb", "A.mdb"});
   for (const std::string& file : ProductFiles()) {
     expected.push_back(file);

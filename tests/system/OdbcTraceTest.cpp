@@ -76,3 +76,25 @@ TEST(OdbcTrace, CountsOnlyConnectionsThatWereMadeAsClosed)
       Connect("0x2", "b") + Exit("SQLDriverConnectW", "SQL_ERROR") + close2 + close1);
   EXPECT_EQ(traffic.closed, std::vector<std::string>{"a"});
 }
+
+TEST(OdbcTrace, TellsWhatBecameOfEachStatement)
+{
+  const std::string alloc =
+      Entry("SQLAllocHandle", "\t\t\tHandle Type = 3\n\t\t\tInput Handle = 0x1\n") +
+      Exit("SQLAllocHandle", "SQL_SUCCESS", "\t\t\tOutput Handle = 0x9\n");
+  const auto execute = [](const std::string& text) {
+    return Entry("SQLExecDirectW",
+                 "\t\t\tStatement = 0x9\n\t\t\tSQL = [" + text + "][length = 6 (SQL_NTS)]\n");
+  };
+  const OdbcTraffic traffic = ParseOdbcTrace(
+      Connect("0x1", "a") + Exit("SQLDriverConnectW", "SQL_SUCCESS") + alloc + execute("UPDATE") +
+      Exit("SQLExecDirectW", "SQL_NO_DATA") + execute("INSERT") +
+      Exit("SQLExecDirectW", "SQL_ERROR", "\t\tDIAG [23000] [Driver] text\n") + execute("DELETE"));
+  const std::vector<OdbcOutcome>& outcomes = traffic.connections.at(0).outcomes;
+  ASSERT_EQ(outcomes.size(), 3u);
+  EXPECT_EQ(outcomes[0].result, "SQL_NO_DATA");
+  EXPECT_EQ(outcomes[0].reason, "");
+  EXPECT_EQ(outcomes[1].result, "SQL_ERROR");
+  EXPECT_EQ(outcomes[1].reason, "[23000] [Driver] text");
+  EXPECT_EQ(outcomes[2].result, "");
+}

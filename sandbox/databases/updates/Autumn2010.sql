@@ -33,7 +33,7 @@ CREATE TABLE UpdateTable (
 INSERT INTO UpdateTable VALUES (10, 'QuillRules', 'DesignRules', 'DesignRules', 0, 0, 0,
   'merge by RuleId');
 INSERT INTO UpdateTable VALUES (20, 'QuillControlStructure', 'Menus', 'Menus', 0, 1, 0,
-  'drop the table and make it anew');
+  'drop the table and make it anew, with one column more');
 INSERT INTO UpdateTable VALUES (30, 'QuillBase', 'Materials', 'Materials', 0, 0, 0,
   'a correction of what spring brought');
 INSERT INTO UpdateTable VALUES (40, 'NVCMapping2010', 'SectionMapping', 'SectionMapping', 0, 0, 0,
@@ -41,7 +41,11 @@ INSERT INTO UpdateTable VALUES (40, 'NVCMapping2010', 'SectionMapping', 'Section
 INSERT INTO UpdateTable VALUES (50, 'QuillDetails', 'WithdrawnBolts', 'Bolts', 1, 0, 0,
   'remove the rows listed, by Code');
 INSERT INTO UpdateTable VALUES (60, 'QuillKernelEnvironment', 'Environment', 'Environment', 0, 0, 0,
-  'merge by VariableName');
+  'merge by VariableName; two rows fail, since an empty text is written as NULL');
+INSERT INTO UpdateTable VALUES (70, 'QuillKernelEnvironment', 'OldFolders', 'SearchFolders', 1, 0,
+  0, 'remove the rows listed, by all columns, since the table has no key');
+INSERT INTO UpdateTable VALUES (80, 'QuillBitmaps', 'NewBitmaps*', 'Bitmaps', 0, 0, 0,
+  'the tables were left out of the patch: the step fails');
 
 CREATE TABLE DesignRules (
   [RuleId] LONG NOT NULL,
@@ -61,13 +65,14 @@ CREATE TABLE Menus (
   [ParentId] LONG NOT NULL,
   [Place] SMALLINT NOT NULL,
   [Command] TEXT(60) NOT NULL,
+  [Shortcut] TEXT(20) NOT NULL,
   PRIMARY KEY ([MenuId]));
-INSERT INTO Menus VALUES (1, 0, 1, 'KF_FILE');
-INSERT INTO Menus VALUES (2, 0, 2, 'KF_DRAW');
-INSERT INTO Menus VALUES (21, 2, 1, 'KF_BEAM');
-INSERT INTO Menus VALUES (22, 2, 2, 'KF_PLATE');
-INSERT INTO Menus VALUES (24, 2, 3, 'KF_BOLT');
-INSERT INTO Menus VALUES (25, 2, 4, 'KF_WELD');
+INSERT INTO Menus VALUES (1, 0, 1, 'KF_FILE', 'Alt+F');
+INSERT INTO Menus VALUES (2, 0, 2, 'KF_DRAW', 'Alt+D');
+INSERT INTO Menus VALUES (21, 2, 1, 'KF_BEAM', 'Ctrl+B');
+INSERT INTO Menus VALUES (22, 2, 2, 'KF_PLATE', 'Ctrl+P');
+INSERT INTO Menus VALUES (24, 2, 3, 'KF_BOLT', 'Ctrl+O');
+INSERT INTO Menus VALUES (25, 2, 4, 'KF_WELD', 'Ctrl+W');
 
 CREATE TABLE Materials (
   [MaterialId] LONG NOT NULL,
@@ -102,3 +107,12 @@ CREATE TABLE Environment (
   PRIMARY KEY ([VariableName]));
 INSERT INTO Environment VALUES ('KernelCache', '128');
 INSERT INTO Environment VALUES ('KernelThreads', '1');
+INSERT INTO Environment VALUES ('KernelTolerance', '');
+INSERT INTO Environment VALUES ('KernelLog', '');
+
+CREATE TABLE OldFolders (
+  [Purpose] TEXT(30) NOT NULL,
+  [Folder] TEXT(255) NOT NULL,
+  [Depth] SMALLINT NOT NULL);
+INSERT INTO OldFolders VALUES ('Blocks', 'C:\Old\Blocks', 2);
+INSERT INTO OldFolders VALUES ('Fonts', 'C:\Old\Fonts', 1);

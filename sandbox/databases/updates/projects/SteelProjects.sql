@@ -17,6 +17,7 @@ CREATE TABLE KFProjectsVersion (
   PRIMARY KEY ([Attribute]));
 INSERT INTO KFProjectsVersion VALUES ('SteelGrades', '3');
 INSERT INTO KFProjectsVersion VALUES ('BoltSets', '2');
+INSERT INTO KFProjectsVersion VALUES ('WeldClasses', '1');
 
 CREATE TABLE Info (
   [Name] TEXT(50) NOT NULL,

@@ -1,0 +1,25 @@
+CREATE TABLE KFVersion ([Attribute] TEXT(50) NOT NULL, [Value] TEXT(50) NOT NULL);
+INSERT INTO KFVersion VALUES ('MajorNumber', '10');
+INSERT INTO KFVersion VALUES ('MinorNumber', '0');
+INSERT INTO KFVersion VALUES ('CommSPNumber', '0');
+INSERT INTO KFVersion VALUES ('BuildNumber', '512');
+INSERT INTO KFVersion VALUES ('CommMajorVersion', '2010');
+INSERT INTO KFVersion VALUES ('CommMinorVersion', '0');
+
+CREATE TABLE InfoTableRelations (
+  [ID] LONG NOT NULL,
+  [TableName] TEXT(50) NOT NULL,
+  [ColumnName] TEXT(50) NOT NULL,
+  [TypeProperty] TEXT(50) NOT NULL,
+  PRIMARY KEY ([ID]));
+INSERT INTO InfoTableRelations VALUES (1, 'SettingTexts', 'Name', 'PrimaryKey');
+INSERT INTO InfoTableRelations VALUES (2, 'MenuTexts', 'Name', 'PrimaryKey');
+INSERT INTO InfoTableRelations VALUES (3, 'Units', 'Name', 'PrimaryKey');
+
+CREATE TABLE SettingTexts ([Name] TEXT(60) NOT NULL, [Caption] TEXT(120), PRIMARY KEY ([Name]));
+INSERT INTO SettingTexts VALUES ('Scale', 'Schaal');
+
+CREATE TABLE MenuTexts ([Name] TEXT(60) NOT NULL, [Caption] TEXT(120), PRIMARY KEY ([Name]));
+INSERT INTO MenuTexts VALUES ('File', 'Bestand');
+
+CREATE TABLE Units ([Name] TEXT(60) NOT NULL, [Factor] DOUBLE, PRIMARY KEY ([Name]));

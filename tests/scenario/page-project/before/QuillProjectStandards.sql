@@ -1,0 +1,1 @@
+CREATE TABLE Standards ([Code] TEXT(30) NOT NULL, PRIMARY KEY ([Code]));

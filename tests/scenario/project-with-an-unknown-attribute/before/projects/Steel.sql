@@ -1,0 +1,21 @@
+CREATE TABLE KFProjectsVersion ([Attribute] TEXT(50), [Value] TEXT(50));
+INSERT INTO KFProjectsVersion VALUES
+  ('Steel', '1'),
+  ('Timber', 'none');
+
+CREATE TABLE UpdateTable (
+  [ID] LONG NOT NULL PRIMARY KEY,
+  [TargetDatabase] TEXT(49),
+  [SourceTable] TEXT(49),
+  [TargetTable] TEXT(49),
+  [DeleteRows] BIT NOT NULL,
+  [Recreate] BIT NOT NULL,
+  [CreateIfMissing] BIT NOT NULL);
+INSERT INTO UpdateTable VALUES
+  (10, 'QuillBase', 'Parts', 'Parts', 0, 0, 0);
+
+CREATE TABLE Parts (
+  [Id] LONG NOT NULL,
+  [Name] TEXT(30));
+INSERT INTO Parts VALUES
+  (1, 'a');

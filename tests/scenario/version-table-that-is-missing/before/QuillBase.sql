@@ -1,0 +1,11 @@
+CREATE TABLE InfoTableRelations (
+  [ID] LONG NOT NULL PRIMARY KEY,
+  [TableName] TEXT(50) NOT NULL,
+  [ColumnName] TEXT(50) NOT NULL,
+  [TypeProperty] TEXT(50) NOT NULL);
+INSERT INTO InfoTableRelations VALUES
+  (1, 'Parts', 'Id', 'PrimaryKey');
+
+CREATE TABLE Parts (
+  [Id] LONG NOT NULL PRIMARY KEY,
+  [Name] TEXT(30));
