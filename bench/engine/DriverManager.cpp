@@ -1,75 +1,11 @@
 // ODBC for natively built code that is measured: each call is handed to unixODBC as it is, across
 // the two calling conventions, without the diary that the double of the tests keeps.
 #include "tests/doubles/Recorder.h"
-
-#include <windows.h>
-// The ODBC headers build on the one above.
-#include <sql.h>
-#include <sqlext.h>
-#include <sqlucode.h>
-
-#include <dlfcn.h>
-#include <stdio.h>
-#include <stdlib.h>
+#include "tests/doubles/UnixOdbc.h"
 
 namespace {
 
-// The functions of the library under their own names, `SQL` left out.
-struct DriverManager
-{
-  DriverManager();
-
-  template <typename Function>
-  void Load(Function*& function, const char* name)
-  {
-    function = reinterpret_cast<Function*>(dlsym(library, name));
-    if (function == nullptr)
-      EndWithoutLibrary();
-  }
-
-  [[noreturn]] static void EndWithoutLibrary()
-  {
-    (void)fprintf(stderr, "unixODBC: %s\n", dlerror());
-    exit(2);
-  }
-
-  using Text = SQLWCHAR*;
-  using Length = SQLSMALLINT;
-
-  void* library;
-  SQLRETURN (*AllocHandle)(SQLSMALLINT, SQLHANDLE, SQLHANDLE*);
-  SQLRETURN (*FreeHandle)(SQLSMALLINT, SQLHANDLE);
-  SQLRETURN (*SetEnvAttr)(SQLHENV, SQLINTEGER, SQLPOINTER, SQLINTEGER);
-  SQLRETURN (*SetConnectAttrW)(SQLHDBC, SQLINTEGER, SQLPOINTER, SQLINTEGER);
-  SQLRETURN (*DriverConnectW)(SQLHDBC, SQLHWND, Text, Length, Text, Length, Length*, SQLUSMALLINT);
-  SQLRETURN (*Disconnect)(SQLHDBC);
-  SQLRETURN (*ExecDirectW)(SQLHSTMT, Text, SQLINTEGER);
-  SQLRETURN (*ColumnsW)(SQLHSTMT, Text, Length, Text, Length, Text, Length, Text, Length);
-  SQLRETURN (*TablesW)(SQLHSTMT, Text, Length, Text, Length, Text, Length, Text, Length);
-  SQLRETURN (*BindCol)(SQLHSTMT, SQLUSMALLINT, SQLSMALLINT, SQLPOINTER, SQLLEN, SQLLEN*);
-  SQLRETURN (*Fetch)(SQLHSTMT);
-  SQLRETURN (*CloseCursor)(SQLHSTMT);
-};
-
-DriverManager::DriverManager() : library(dlopen("libodbc.so.2", RTLD_NOW | RTLD_LOCAL))
-{
-  if (library == nullptr)
-    EndWithoutLibrary();
-  Load(AllocHandle, "SQLAllocHandle");
-  Load(FreeHandle, "SQLFreeHandle");
-  Load(SetEnvAttr, "SQLSetEnvAttr");
-  Load(SetConnectAttrW, "SQLSetConnectAttrW");
-  Load(DriverConnectW, "SQLDriverConnectW");
-  Load(Disconnect, "SQLDisconnect");
-  Load(ExecDirectW, "SQLExecDirectW");
-  Load(ColumnsW, "SQLColumnsW");
-  Load(TablesW, "SQLTablesW");
-  Load(BindCol, "SQLBindCol");
-  Load(Fetch, "SQLFetch");
-  Load(CloseCursor, "SQLCloseCursor");
-}
-
-const DriverManager Manager;
+const UnixOdbc Manager = LoadUnixOdbc();
 
 }  // namespace
 

@@ -1,13 +1,12 @@
-// The engine that hands all calls to unixODBC. Its functions are of the System V convention, which
-// is that of every call here that says nothing else.
+// The engine that hands all calls to unixODBC.
 #include "tests/doubles/LiveOdbc.h"
 
 #include "tests/doubles/FilesDouble.h"
 #include "tests/doubles/OdbcEngine.h"
 #include "tests/doubles/Recorder.h"
 #include "tests/doubles/Text.h"
+#include "tests/doubles/UnixOdbc.h"
 
-#include <dlfcn.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -15,64 +14,9 @@
 
 namespace {
 
-// The functions of the library under their own names, `SQL` left out.
-struct DriverManager
+const UnixOdbc& Manager()
 {
-  DriverManager();
-
-  template <typename Function>
-  void Load(Function*& function, const char* name)
-  {
-    function = reinterpret_cast<Function*>(dlsym(library, name));
-    if (function == nullptr)
-      EndUnprepared(std::string("unixODBC has no function ") + name);
-  }
-
-  using Text = SQLWCHAR*;
-  using Length = SQLSMALLINT;
-
-  void* library;
-  SQLRETURN (*AllocHandle)(SQLSMALLINT, SQLHANDLE, SQLHANDLE*);
-  SQLRETURN (*FreeHandle)(SQLSMALLINT, SQLHANDLE);
-  SQLRETURN (*SetEnvAttr)(SQLHENV, SQLINTEGER, SQLPOINTER, SQLINTEGER);
-  SQLRETURN (*SetConnectAttrW)(SQLHDBC, SQLINTEGER, SQLPOINTER, SQLINTEGER);
-  SQLRETURN (*DriverConnectW)(SQLHDBC, SQLHWND, Text, Length, Text, Length, Length*, SQLUSMALLINT);
-  SQLRETURN (*Disconnect)(SQLHDBC);
-  SQLRETURN (*ExecDirectW)(SQLHSTMT, Text, SQLINTEGER);
-  SQLRETURN (*ColumnsW)(SQLHSTMT, Text, Length, Text, Length, Text, Length, Text, Length);
-  SQLRETURN (*TablesW)(SQLHSTMT, Text, Length, Text, Length, Text, Length, Text, Length);
-  SQLRETURN (*BindCol)(SQLHSTMT, SQLUSMALLINT, SQLSMALLINT, SQLPOINTER, SQLLEN, SQLLEN*);
-  SQLRETURN (*Fetch)(SQLHSTMT);
-  SQLRETURN (*CloseCursor)(SQLHSTMT);
-  SQLRETURN (*NumResultCols)(SQLHSTMT, SQLSMALLINT*);
-  SQLRETURN (*GetData)(SQLHSTMT, SQLUSMALLINT, SQLSMALLINT, SQLPOINTER, SQLLEN, SQLLEN*);
-  SQLRETURN (*GetDiagRecW)(Length, SQLHANDLE, Length, Text, SQLINTEGER*, Text, Length, Length*);
-};
-
-DriverManager::DriverManager() : library(dlopen("libodbc.so.2", RTLD_NOW | RTLD_LOCAL))
-{
-  if (library == nullptr)
-    EndUnprepared("unixODBC (libodbc.so.2) is not installed.");
-  Load(AllocHandle, "SQLAllocHandle");
-  Load(FreeHandle, "SQLFreeHandle");
-  Load(SetEnvAttr, "SQLSetEnvAttr");
-  Load(SetConnectAttrW, "SQLSetConnectAttrW");
-  Load(DriverConnectW, "SQLDriverConnectW");
-  Load(Disconnect, "SQLDisconnect");
-  Load(ExecDirectW, "SQLExecDirectW");
-  Load(ColumnsW, "SQLColumnsW");
-  Load(TablesW, "SQLTablesW");
-  Load(BindCol, "SQLBindCol");
-  Load(Fetch, "SQLFetch");
-  Load(CloseCursor, "SQLCloseCursor");
-  Load(NumResultCols, "SQLNumResultCols");
-  Load(GetData, "SQLGetData");
-  Load(GetDiagRecW, "SQLGetDiagRecW");
-}
-
-DriverManager& Manager()
-{
-  static DriverManager manager;
+  static const UnixOdbc manager = LoadUnixOdbc();
   return manager;
 }
 
