@@ -32,9 +32,9 @@ public:
   // told one, else by all columns that both have. Failures are reported and end the row.
   void DeleteRows(TableSchema& source, TableSchema& target);
 
-  UpdateTable* updateTable;               // owned
-  QulDatabase* targetDatabase = nullptr;  // the database that is being brought up to date
-                                          // not owned; null but for ApplyPatch
+  UpdateTable* updateTable;  // owned
+  // The one that is being brought up to date, else null; not owned.
+  QulDatabase* targetDatabase = nullptr;
 
 private:
   TableSchema* CreateTarget(const UpdateStep& step, const TableSchema& source) const;
