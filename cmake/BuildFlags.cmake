@@ -44,3 +44,18 @@ if(KESTREL_SANITIZE)
   add_compile_options(-fsanitize=${KESTREL_SANITIZE} -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${KESTREL_SANITIZE})
 endif()
+
+if(KESTREL_FUZZ)
+  # The counters that steer the fuzzer; only the targets have its main function.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+if(KESTREL_COVERAGE)
+  add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+  add_link_options(-fprofile-instr-generate)
+endif()
+
+if(KESTREL_TRAP)
+  # mingw has no runtime that could print a report; the debugger of the tests sees the trap.
+  add_compile_options(-fsanitize=undefined -fsanitize-undefined-trap-on-error)
+endif()

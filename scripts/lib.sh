@@ -32,6 +32,7 @@ build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix wine64 libwine-
 driver_packages=(unixodbc unixodbc-dev libsqlite3-dev libutf8proc-dev python3-pyodbc)
 test_packages=(googletest clang clang-format clang-tidy libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev python3)
+proof_packages=(python3 llvm cppcheck)
 
 # use_wine_prefix FOLDER makes the prefix there if need be and holds its server until the script ends.
 # Locale and overrides are those of the tests.
@@ -72,4 +73,24 @@ build_preset() {
   local preset=$1
   shift
   cmake --preset "$preset" && cmake --build --preset "$preset" "$@"
+}
+
+# For the scripts in scripts/proof. read_form "$@" sets `form` to short, or to long for --long.
+read_form() {
+  form=short
+  case "${1:-}" in
+    '') ;;
+    --long) form=long ;;
+    *) printf 'usage: %s [--long]\n' "$0" >&2; exit 2 ;;
+  esac
+  [ $# -le 1 ] || { printf 'usage: %s [--long]\n' "$0" >&2; exit 2; }
+}
+
+# report_figure NAME LINE... prints what a proof found, and leaves it in build/proof, where
+# scripts/test looks for it.
+report_figure() {
+  local name=$1
+  shift
+  mkdir -p build/proof
+  printf '%s\n' "$@" | tee "build/proof/$name.txt"
 }
