@@ -198,7 +198,7 @@ std::string VariableBytes(const Cell& cell, SQLSMALLINT sqlType, SQLSMALLINT cTy
     if (!IsTextType(sqlType) && cell.kind == CellKind::Text)
       return std::string(cell.bytes);
   }
-  const std::string text = CellText(cell);
+  std::string text = CellText(cell);
   if (cType == SQL_C_CHAR)
     return text;
   const std::u16string wide = ToUtf16(text);
@@ -223,10 +223,11 @@ SQLRETURN ConvertCell(const Cell& cell, const ColumnType& column, const Target& 
     return SQL_SUCCESS;
   }
   if (IsVariableCType(target.cType)) {
-    if (target.cType == SQL_C_BINARY)
-      return ConvertToBytes(cell, sqlType, target, diagnostics);
+    // A length of less than nothing reaches this place by way of a descriptor's fields.
     if (target.capacity < static_cast<SQLLEN>(TerminatorOf(target.cType)))
       target.capacity = 0;
+    if (target.cType == SQL_C_BINARY)
+      return ConvertToBytes(cell, sqlType, target, diagnostics);
     return ConvertToText(cell, target, diagnostics);
   }
   if (IsMomentCType(target.cType))

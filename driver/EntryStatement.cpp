@@ -110,8 +110,8 @@ SQLRETURN SQL_API SQLBindParameter(SQLHSTMT handle, SQLUSMALLINT number, SQLSMAL
       return statement.diagnostics.Fail("HYC00", "Parameters are for input only");
     if (!IsKnownCType(cType) || cType == SQL_ARD_TYPE)
       return statement.diagnostics.Fail("HY003", "This is no type of a buffer");
-    if (cType == SQL_C_GUID ||
-        (cType >= SQL_C_INTERVAL_YEAR && cType <= SQL_C_INTERVAL_MINUTE_TO_SECOND))
+    // Intervals have the largest numbers.
+    if (cType == SQL_C_GUID || cType >= SQL_C_INTERVAL_YEAR)
       return statement.diagnostics.Fail("07006", "No parameter takes this type of a buffer");
     if (capacity < 0)
       return statement.diagnostics.Fail("HY090", "The length of the buffer is negative");

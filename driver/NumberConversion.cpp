@@ -130,7 +130,7 @@ SQLRETURN ConvertToDecimal(const Cell& source, SQLSMALLINT scale, const Target& 
   if (!MakeNumber(cell))
     return diagnostics.Fail("22018", "The text is no number");
   const std::string text = CellText(cell);
-  if (text.find('e') != std::string::npos || text.find("n") != std::string::npos)
+  if (text.find('e') != std::string::npos || text.find('n') != std::string::npos)
     return FailOutOfRange(diagnostics);
   SQL_NUMERIC_STRUCT decimal = {};
   decimal.precision = 38;

@@ -19,6 +19,7 @@ Pointer Shift(Pointer pointer, SQLULEN offset)
 {
   return pointer == nullptr || offset == 0
              ? pointer
+             // NOLINTNEXTLINE(performance-no-int-to-ptr): as far as the application has asked for.
              : reinterpret_cast<Pointer>(reinterpret_cast<uintptr_t>(pointer) + offset);
 }
 

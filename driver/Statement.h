@@ -46,7 +46,6 @@ public:
   SQLRETURN ExecuteDirect(const std::string& text);
   SQLRETURN NextDelayedParameter(SQLPOINTER* token);
   SQLRETURN PutDelayedData(const void* data, SQLLEN length);
-  bool WaitsForData() const { return waitsForData; }
   void StopWaitingForData();
 
   // Opens a cursor on the answer of a catalogue call.

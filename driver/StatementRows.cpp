@@ -60,6 +60,7 @@ Pointer Shift(Pointer pointer, SQLULEN offset)
 {
   return pointer == nullptr
              ? pointer
+             // NOLINTNEXTLINE(performance-no-int-to-ptr): as far as the application has asked for.
              : reinterpret_cast<Pointer>(reinterpret_cast<uintptr_t>(pointer) + offset);
 }
 
@@ -145,8 +146,6 @@ SQLRETURN Statement::GetPiece(const Cell& cell, const ColumnType& column, const 
   const size_t count = capacity < terminator ? 0 : std::min(left, capacity - terminator);
   if (target.length != nullptr)
     *target.length = static_cast<SQLLEN>(left);
-  if (target.indicator != nullptr && target.indicator != target.length)
-    *target.indicator = 0;
   if (count > 0)
     memcpy(target.buffer, partial.bytes.data() + partial.offset, count);
   if (capacity >= terminator && terminator > 0)

@@ -206,7 +206,10 @@ std::string Definition::MendColumn(size_t first, size_t end) const
   size_t words = first + 1;
   while (words < end && tokens[words].kind == TokenKind::Word && !StartsColumnRule(words))
     ++words;
-  if (words == first + 1)
+  // No type, or one that goes on in quotes, as SQLite lets it.
+  const bool isQuoted = words < end && (tokens[words].kind == TokenKind::Text ||
+                                        tokens[words].kind == TokenKind::Name);
+  if (words == first + 1 || isQuoted)
     return std::string(Between(first, end - 1));
   size_t rest = words;
   if (Has(rest, "(")) {

@@ -31,10 +31,12 @@ std::string RealPath(const std::string& path)
 
 std::string DrivesFolder()
 {
+  // NOLINTBEGIN(concurrency-mt-unsafe): nothing here changes the environment.
   const char* const prefix = getenv("WINEPREFIX");
   if (prefix != nullptr && *prefix != '\0')
     return std::string(prefix) + "/dosdevices";
   const char* const home = getenv("HOME");
+  // NOLINTEND(concurrency-mt-unsafe)
   return std::string(home == nullptr ? "" : home) + "/.wine/dosdevices";
 }
 
@@ -68,9 +70,12 @@ std::string CurrentDriveFolder()
 std::string FindEntry(const std::string& folder, std::string_view name)
 {
   std::string found;
-  DIR* const directory = opendir(folder.empty() ? "." : folder.c_str());
+  DIR* const directory = opendir(folder.c_str());
   if (directory == nullptr)
     return found;
+  // No other thread has this folder's handle.
+  // cppcheck-suppress readdirCalled
+  // NOLINTNEXTLINE(concurrency-mt-unsafe)
   for (const dirent* entry = readdir(directory); entry != nullptr; entry = readdir(directory)) {
     // Of several, the first by name: the order of a folder is no order.
     if (EqualsNoCase(entry->d_name, name) && (found.empty() || found > entry->d_name))
@@ -94,6 +99,7 @@ std::string Descend(std::string folder, std::string_view names)
       const std::string entry = FindEntry(folder, name);
       if (entry.empty())
         return {};
+      // NOLINTNEXTLINE(performance-inefficient-string-concatenation): paths have few parts.
       step = folder + "/" + entry;
     }
     folder = step;

@@ -177,6 +177,18 @@ TEST(WriteReal, ReadsBackAsTheSameNumber)
   }
 }
 
+TEST(ConvertCell, NegativeLengthIsNoRoom)
+{
+  Cell bytes = Cell::OfText("\x01\x02\x03");
+  bytes.kind = CellKind::Binary;
+  for (const int type : {SQL_C_BINARY, SQL_C_CHAR, SQL_C_WCHAR}) {
+    const Converted value(bytes, static_cast<SQLSMALLINT>(type), -1, SQL_VARBINARY);
+    EXPECT_EQ(value.result, SQL_SUCCESS_WITH_INFO) << type;
+    EXPECT_EQ(value.State(), "01004") << type;
+    EXPECT_TRUE(value.IsUntouchedFrom(0)) << type;
+  }
+}
+
 TEST(ReadNumber, TakesWholeNumbersAndNothingElse)
 {
   bool isInteger = false;
