@@ -21,6 +21,12 @@ inline auto AllWays()
                          Way{"NarrowStraight", false, false});
 }
 
+// For what a driver manager answers by itself or looks into before it asks the driver.
+inline auto StraightWays()
+{
+  return testing::Values(Way{"WideStraight", false, true}, Way{"NarrowStraight", false, false});
+}
+
 inline std::string WayName(const testing::TestParamInfo<Way>& info)
 {
   return info.param.name;

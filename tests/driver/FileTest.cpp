@@ -357,8 +357,9 @@ TEST_F(Killed, FinishedStatementsAreThereAndTheDatabaseIsWhole)
 {
   std::mt19937 random(std::random_device{}());
   std::uniform_int_distribution<int> moment(3, 45);
-  for (int round = 0; round < 24; ++round) {
-    const int milliseconds = moment(random);
+  // 24 rounds, and on a slow machine more, each longer, until the writer has come to write.
+  for (int round = 0; round < 24 || (lastReported <= 1000 && round < 100); ++round) {
+    const int milliseconds = moment(random) + (round < 24 ? 0 : 20 * (round - 23));
     SCOPED_TRACE("round " + std::to_string(round) + ", killed after " +
                  std::to_string(milliseconds) + " ms");
     lastReported = KillAWriter(milliseconds);

@@ -70,6 +70,13 @@ SQLRETURN OdbcCalls::DriverConnect(SQLHDBC dbc, const std::string& request, Text
                                       completed.Units(), &length, SQL_DRIVER_NOPROMPT);
 }
 
+SQLRETURN OdbcCalls::Connect(SQLHDBC dbc, const std::string& source) const
+{
+  TextArgument text = Argument(source);
+  return isWide ? WideConnect(dbc, text.Wide(), SQL_NTS, nullptr, 0, nullptr, 0)
+                : NarrowConnect(dbc, text.Narrow(), SQL_NTS, nullptr, 0, nullptr, 0);
+}
+
 SQLRETURN OdbcCalls::ExecDirect(SQLHSTMT stmt, const std::string& sql) const
 {
   TextArgument text = Argument(sql);
@@ -216,6 +223,56 @@ SQLRETURN OdbcCalls::SetStatementNumber(SQLHSTMT stmt, SQLINTEGER attribute, SQL
 {
   return isWide ? WideSetStmtAttr(stmt, attribute, NumberAsPointer(value), SQL_IS_UINTEGER)
                 : NarrowSetStmtAttr(stmt, attribute, NumberAsPointer(value), SQL_IS_UINTEGER);
+}
+
+SQLRETURN OdbcCalls::SetStatementPointer(SQLHSTMT stmt, SQLINTEGER attribute,
+                                         SQLPOINTER value) const
+{
+  return isWide ? WideSetStmtAttr(stmt, attribute, value, SQL_IS_POINTER)
+                : NarrowSetStmtAttr(stmt, attribute, value, SQL_IS_POINTER);
+}
+
+SQLRETURN OdbcCalls::SetCursorName(SQLHSTMT stmt, const std::string& name) const
+{
+  TextArgument text = Argument(name);
+  return isWide ? WideSetCursorName(stmt, text.Wide(), SQL_NTS)
+                : NarrowSetCursorName(stmt, text.Narrow(), SQL_NTS);
+}
+
+SQLRETURN OdbcCalls::GetCursorName(SQLHSTMT stmt, TextBuffer& name, SQLSMALLINT& length) const
+{
+  return isWide ? WideGetCursorName(stmt, name.Wide(), name.Units(), &length)
+                : NarrowGetCursorName(stmt, name.Narrow(), name.Units(), &length);
+}
+
+SQLRETURN OdbcCalls::GetDescriptorField(SQLHDESC descriptor, SQLSMALLINT record, SQLSMALLINT field,
+                                        SQLPOINTER value) const
+{
+  return isWide ? WideGetDescField(descriptor, record, field, value, 0, nullptr)
+                : NarrowGetDescField(descriptor, record, field, value, 0, nullptr);
+}
+
+SQLRETURN OdbcCalls::GetDescriptorText(SQLHDESC descriptor, SQLSMALLINT record, SQLSMALLINT field,
+                                       TextBuffer& text, SQLINTEGER& length) const
+{
+  const SQLINTEGER bytes = static_cast<SQLINTEGER>(text.Bytes());
+  return isWide ? WideGetDescField(descriptor, record, field, text.Data(), bytes, &length)
+                : NarrowGetDescField(descriptor, record, field, text.Data(), bytes, &length);
+}
+
+SQLRETURN OdbcCalls::SetDescriptorField(SQLHDESC descriptor, SQLSMALLINT record, SQLSMALLINT field,
+                                        SQLPOINTER value) const
+{
+  return isWide ? WideSetDescField(descriptor, record, field, value, 0)
+                : NarrowSetDescField(descriptor, record, field, value, 0);
+}
+
+SQLRETURN OdbcCalls::GetDiagText(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT number,
+                                 SQLSMALLINT field, TextBuffer& text, SQLSMALLINT& length) const
+{
+  const SQLSMALLINT bytes = static_cast<SQLSMALLINT>(text.Bytes());
+  return isWide ? WideGetDiagField(kind, handle, number, field, text.Data(), bytes, &length)
+                : NarrowGetDiagField(kind, handle, number, field, text.Data(), bytes, &length);
 }
 
 SQLRETURN OdbcCalls::GetDiagNumber(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT number,

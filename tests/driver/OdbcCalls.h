@@ -46,10 +46,18 @@ public:
   TextBuffer Buffer(size_t units) const { return {isWide, units}; }
   // A null pointer if the library does not export that name.
   void* FindAddress(const char* name) const;
+  // A function of the library, for arguments that the calls below can't have. It must be there.
+  template <typename Function>
+  Function Entry(const char* name) const
+  {
+    return reinterpret_cast<Function>(RequireAddress(name));
+  }
 
   SQLRETURN DriverConnect(SQLHDBC dbc, const std::string& request) const;
   SQLRETURN DriverConnect(SQLHDBC dbc, const std::string& request, TextBuffer& completed,
                           SQLSMALLINT& length) const;
+  // A connection to a data source by its name alone.
+  SQLRETURN Connect(SQLHDBC dbc, const std::string& source) const;
   SQLRETURN ExecDirect(SQLHSTMT stmt, const std::string& sql) const;
   // As ExecDirect, with the length told; what stands behind it is no part of the statement.
   SQLRETURN ExecDirectCounted(SQLHSTMT stmt, const std::string& sql) const;
@@ -75,33 +83,43 @@ public:
   SQLRETURN SpecialColumns(SQLHSTMT stmt, const std::string& table) const;
   SQLRETURN SetConnectNumber(SQLHDBC dbc, SQLINTEGER attribute, SQLULEN value) const;
   SQLRETURN SetStatementNumber(SQLHSTMT stmt, SQLINTEGER attribute, SQLULEN value) const;
+  SQLRETURN SetStatementPointer(SQLHSTMT stmt, SQLINTEGER attribute, SQLPOINTER value) const;
+  SQLRETURN SetCursorName(SQLHSTMT stmt, const std::string& name) const;
+  SQLRETURN GetCursorName(SQLHSTMT stmt, TextBuffer& name, SQLSMALLINT& length) const;
+  // Record 0 is the head of the descriptor.
+  SQLRETURN GetDescriptorField(SQLHDESC descriptor, SQLSMALLINT record, SQLSMALLINT field,
+                               SQLPOINTER value) const;
+  SQLRETURN GetDescriptorText(SQLHDESC descriptor, SQLSMALLINT record, SQLSMALLINT field,
+                              TextBuffer& text, SQLINTEGER& length) const;
+  SQLRETURN SetDescriptorField(SQLHDESC descriptor, SQLSMALLINT record, SQLSMALLINT field,
+                               SQLPOINTER value) const;
+  SQLRETURN GetDiagText(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT number, SQLSMALLINT field,
+                        TextBuffer& text, SQLSMALLINT& length) const;
   SQLRETURN GetDiagRec(SQLSMALLINT kind, SQLHANDLE handle, SQLSMALLINT number, TextBuffer& state,
                        SQLINTEGER& native, TextBuffer& message, SQLSMALLINT& length) const;
   // All records of the handle's last call.
   std::vector<Diagnostic> Diagnostics(SQLSMALLINT kind, SQLHANDLE handle) const;
 
 private:
-  template <typename Call>
-  Call Find(const char* name) const
-  {
-    return reinterpret_cast<Call>(RequireAddress(name));
-  }
   void* RequireAddress(const char* name) const;
 
   bool isWide;
   void* library;
 
-#define ODBC_CALL(name) decltype(&::SQL##name) name = Find<decltype(&::SQL##name)>("SQL" #name)
-#define ODBC_TEXT_CALL(name)                                                       \
-  decltype(&::SQL##name) Narrow##name = Find<decltype(&::SQL##name)>("SQL" #name); \
-  decltype(&::SQL##name##W) Wide##name = Find<decltype(&::SQL##name##W)>("SQL" #name "W")
+#define ODBC_CALL(name) decltype(&::SQL##name) name = Entry<decltype(&::SQL##name)>("SQL" #name)
+#define ODBC_TEXT_CALL(name)                                                        \
+  decltype(&::SQL##name) Narrow##name = Entry<decltype(&::SQL##name)>("SQL" #name); \
+  decltype(&::SQL##name##W) Wide##name = Entry<decltype(&::SQL##name##W)>("SQL" #name "W")
 
   ODBC_TEXT_CALL(ColAttribute);
   ODBC_TEXT_CALL(Columns);
+  ODBC_TEXT_CALL(Connect);
   ODBC_TEXT_CALL(DescribeCol);
   ODBC_TEXT_CALL(DriverConnect);
   ODBC_TEXT_CALL(ExecDirect);
   ODBC_TEXT_CALL(GetConnectAttr);
+  ODBC_TEXT_CALL(GetCursorName);
+  ODBC_TEXT_CALL(GetDescField);
   ODBC_TEXT_CALL(GetDiagField);
   ODBC_TEXT_CALL(GetDiagRec);
   ODBC_TEXT_CALL(GetInfo);
@@ -111,6 +129,8 @@ private:
   ODBC_TEXT_CALL(Prepare);
   ODBC_TEXT_CALL(PrimaryKeys);
   ODBC_TEXT_CALL(SetConnectAttr);
+  ODBC_TEXT_CALL(SetCursorName);
+  ODBC_TEXT_CALL(SetDescField);
   ODBC_TEXT_CALL(SetStmtAttr);
   ODBC_TEXT_CALL(SpecialColumns);
   ODBC_TEXT_CALL(Statistics);
@@ -132,10 +152,13 @@ public:
   ODBC_CALL(FreeHandle);
   ODBC_CALL(FreeStmt);
   ODBC_CALL(GetData);
+  ODBC_CALL(GetEnvAttr);
   ODBC_CALL(GetFunctions);
   ODBC_CALL(MoreResults);
   ODBC_CALL(NumParams);
   ODBC_CALL(NumResultCols);
+  ODBC_CALL(ParamData);
+  ODBC_CALL(PutData);
   ODBC_CALL(RowCount);
   ODBC_CALL(SetEnvAttr);
 
