@@ -215,7 +215,10 @@ BOOL WINAPI FindClose(HANDLE handle)
     if (search == nullptr) {
       SetLastError(ERROR_INVALID_HANDLE);
     } else {
-      search->open = false;
+      // Its number is not given again; what it knew is let go.
+      Search closed;
+      closed.open = false;
+      std::swap(*search, closed);
       result = TRUE;
     }
   }

@@ -17,8 +17,10 @@
 //   FindFirstFileW("C:\None\*.mdb") = invalid
 //   _wfopen_s("C:\Data\x.xml", "r, ccs=UNICODE") = 0
 //
-// FailCall works for all four: the searches fail with the code as the last error, _wfopen_s returns
-// it. A search handle that is closed or never existed is a misuse, INVALID_HANDLE_VALUE is none.
+// FailCall works for all of them: the searches fail with the code as the last error, _wfopen_s
+// returns it. fread then delivers nothing, fseek and ftell give -1 and the place stays; fclose
+// closes and gives EOF. A search handle that is closed or never existed is a misuse,
+// INVALID_HANDLE_VALUE is none.
 
 #include <string>
 #include <vector>
