@@ -387,6 +387,13 @@ TEST_F(InstallRepair, VersionsCompareWithoutASign)
   EXPECT_TRUE(IsOutdated("-1.0", "5.0"));
 }
 
+TEST_F(InstallRepair, DotsInFrontOfAVersionArePassedOver)
+{
+  EXPECT_TRUE(IsOutdated("..10.0", "9.0"));
+  EXPECT_TRUE(IsOutdated("10.0", ".9.0"));
+  EXPECT_FALSE(IsOutdated("9.0", ".10.0"));
+}
+
 TEST_F(InstallRepair, AVersionOfZeroIsNone)
 {
   for (const char* none : {"", "0.9", "beta.1", "...", "-"}) {
