@@ -13,8 +13,10 @@ endif()
 
 include_directories(${CMAKE_SOURCE_DIR})
 
-# Paths of the build machine stay out of the binaries, so two builds of one commit are equal.
-add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -fno-common)
+# Paths of the build machine stay out of the binaries, so two builds of one commit are equal, whatever
+# the folders are called. The last of the prefixes that fit is the one that counts.
+add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=./build
+  -fno-common)
 
 if(WIN32)
   # UNICODE is left undefined on purpose: the code names the A or the W form that it means.

@@ -32,6 +32,7 @@ build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix wine64 libwine-
 driver_packages=(unixodbc unixodbc-dev libsqlite3-dev libutf8proc-dev python3-pyodbc)
 test_packages=(googletest clang clang-format clang-tidy libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev python3)
+release_packages=(git python3 zip)
 proof_packages=(python3 llvm cppcheck)
 
 # use_wine_prefix FOLDER makes the prefix there if need be and holds its server until the script ends.
