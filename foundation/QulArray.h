@@ -100,6 +100,7 @@ void QulArray<Element>::SetAt(int index, const Element& element)
     return;
   }
   // A copy first: the element may lie in the buffer that Reserve frees.
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): see above.
   const Element copy = element;
   if (capacity < index + 1)
     Reserve(RoundUpToStep(index + 1));

@@ -57,6 +57,7 @@ uint64_t QulFileAccess::ReadAll(QulString& result, uint64_t size)
     const size_t characters = fread(wide, sizeof(wchar_t), size, file);
     wide[characters] = L'\0';
     result.Assign(QulString(wide));
+    // cppcheck-suppress memleak ; given up on purpose, as told above
     return characters;
   }
   // To the first byte of the file; if the runtime has passed over a mark, that is text here.
@@ -64,6 +65,7 @@ uint64_t QulFileAccess::ReadAll(QulString& result, uint64_t size)
   const size_t bytes = fread(narrow, 1, size, file);
   narrow[bytes] = '\0';
   result.Assign(QulString(narrow));
+  // cppcheck-suppress memleak ; given up on purpose, as told above
   return bytes;
 }
 // NOLINTEND(clang-analyzer-cplusplus.NewDeleteLeaks)

@@ -47,10 +47,12 @@ class QulString
 {
 public:
   QulString();
+  // cppcheck-suppress noExplicitConstructor ; literals are given wherever a text is taken
   QulString(const wchar_t* source);        // null gives the empty string
   explicit QulString(const char* source);  // in the ANSI code page; null gives the empty string
   QulString(const QulString& source);
-  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Assign sees that the text is the same.
+  // Assign sees that the text is the same, and gives this object.
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment,misc-unconventional-assign-operator)
   QulString& operator=(const QulString& source) { return Assign(source); }
   ~QulString();
 

@@ -83,6 +83,7 @@ HostRelease SelectHost(QulString& commandLine, QulString& hostKeyPath, QulString
   hostExecutable.Assign(L"");
   HostRelease release = HostReleaseUnknown;
   if (commandLine.Find(HostVersionSwitch) >= 0) {
+    // cppcheck-suppress redundantInitialization ; no variable begins without a value here
     release = ResolveRequestedHost(commandLine, hostKeyPath, hostExecutable, hostIs64Bit);
   } else {
     const bool isVersion15 = ReadDwgAssociationVersion() == 15;

@@ -33,6 +33,7 @@ unsigned int FirstVersionNumber(void* block)
     return 0;
   char* context = nullptr;
   const char* number = strtok_s(static_cast<char*>(value), ".", &context);
+  // NOLINTNEXTLINE(cert-err34-c): a version that is no number is 0.
   return number == nullptr ? 0 : static_cast<unsigned int>(atoi(number));
 }
 
