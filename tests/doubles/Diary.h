@@ -15,6 +15,7 @@
 // from 1, and `#?` if it was closed or never existed. GetLastError and SetLastError and the
 // functions of the C runtime (wcslen, wcscpy_s, malloc ...) write nothing.
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -34,6 +35,15 @@ void ClearDiary();
 // ordered. One that was never reached fails the test; in a death test, order it within the
 // statement.
 void FailCall(const std::string& function, int n, unsigned long code = 0);
+
+// The same for the n-th call and for all that follow it.
+void FailCallsFrom(const std::string& function, int n, unsigned long code = 0);
+
+// Until ResetPlatform, tells the watcher of each call that FailCall could make fail, just before
+// it does anything; each name of a function is told by itself ("SQLFetch", "SQLFetch afterwards").
+// The line that the diary gets for the call, if it gets one, is the next. A failure that the
+// watcher orders as the first one of this function is that of the call at hand.
+void WatchCalls(const std::function<void(const char* function)>& watcher);
 
 // What the code under test did and never should (using a closed handle ...), a sentence each.
 // PlatformTest fails for each one that is left at the end of a test; a test that provokes one takes

@@ -91,6 +91,8 @@ public:
       result = static_cast<SQLRETURN>(code);
     else if (IsUsable(function.c_str(), kind, handle))
       result = work();
+    if (result == SQL_SUCCESS && TakeFault((function + " with info").c_str(), code))
+      result = static_cast<SQLRETURN>(code);
     if (TakeFault((function + " afterwards").c_str(), code))
       result = static_cast<SQLRETURN>(code);
     WriteDiary(line + " = " + std::to_string(result) + note);
@@ -155,9 +157,10 @@ std::string OdbcText(const SQLWCHAR* text, SQLINTEGER length)
   return length == SQL_NTS ? Utf8(text) : Utf8(text, static_cast<size_t>(length));
 }
 
-void UseOdbcEngine(std::unique_ptr<OdbcEngine> engine)
+std::unique_ptr<OdbcEngine> UseOdbcEngine(std::unique_ptr<OdbcEngine> engine)
 {
-  State().live = std::move(engine);
+  std::swap(State().live, engine);
+  return engine;
 }
 
 void FailOdbcCall(const std::string& function, int n, int code)

@@ -37,15 +37,16 @@
 #include <vector>
 
 // FailCall for ODBC's return codes, negative ones included. Nothing is done and the code returned.
-// Two more forms of the name say what else may happen:
+// More forms of the name say what else may happen:
 //   "SQLFetch afterwards"  the call does its work, and the code takes the place of its result
+//   "SQLFetch with info"   the same for the n-th call that gives SQL_SUCCESS, and no other
 //   "SQLFetch throwing"    nothing is done, and the code is thrown as an int
 void FailOdbcCall(const std::string& function, int n, int code);
 
 // One value of a row: a text, a number, or NULL, written as nullptr. Whatever the value is, it goes
 // into a buffer of any type that the doubles know, as a driver converts it: the text of a number,
 // the number that a text begins with (0 if none), a timestamp from "2010-03-31 12:30:15" or its
-// first half.
+// first half. A number that an integer type doesn't have is an error and leaves the buffer alone.
 class OdbcCell
 {
 public:

@@ -37,7 +37,8 @@ public:
 // A text that is given with its length, or with SQL_NTS.
 std::string OdbcText(const SQLWCHAR* text, SQLINTEGER length);
 
-// The engine of all calls from now on, until the next reset.
-void UseOdbcEngine(std::unique_ptr<OdbcEngine> engine);
+// The engine of all calls from now on, until the next reset. Returns the one before it, which the
+// new one may stand in front of; null if that was the script.
+std::unique_ptr<OdbcEngine> UseOdbcEngine(std::unique_ptr<OdbcEngine> engine);
 
 #endif

@@ -8,6 +8,7 @@
 #include <string.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -29,6 +30,17 @@ void StoreFixed(Value value, void* buffer, SQLLEN* lengthWord)
   memcpy(buffer, &value, sizeof(value));
   if (lengthWord != nullptr)
     *lengthWord = sizeof(value);
+}
+
+// The whole part of the number; SQL_ERROR, with nothing stored, if the type has no such number.
+template <typename Integer>
+SQLRETURN StoreInteger(double number, void* buffer, SQLLEN* lengthWord)
+{
+  using Limits = std::numeric_limits<Integer>;
+  if (!(number > Limits::min() - 1.0 && number < Limits::max() + 1.0))
+    return SQL_ERROR;
+  StoreFixed(static_cast<Integer>(number), buffer, lengthWord);
+  return SQL_SUCCESS;
 }
 
 SQL_TIMESTAMP_STRUCT TimestampOf(const std::string& text)
@@ -262,13 +274,9 @@ SQLRETURN ScriptedOdbc::Store(const OdbcCell& cell, const Binding& binding)
       StoreFixed<unsigned char>(number != 0 ? 1 : 0, binding.buffer, binding.lengthWord);
       break;
     case SQL_C_SHORT:
-    case SQL_C_SSHORT:
-      StoreFixed(static_cast<SQLSMALLINT>(number), binding.buffer, binding.lengthWord);
-      break;
+    case SQL_C_SSHORT: return StoreInteger<SQLSMALLINT>(number, binding.buffer, binding.lengthWord);
     case SQL_C_LONG:
-    case SQL_C_SLONG:
-      StoreFixed(static_cast<SQLINTEGER>(number), binding.buffer, binding.lengthWord);
-      break;
+    case SQL_C_SLONG: return StoreInteger<SQLINTEGER>(number, binding.buffer, binding.lengthWord);
     case SQL_C_DOUBLE: StoreFixed(number, binding.buffer, binding.lengthWord); break;
     default: StoreFixed(TimestampOf(text), binding.buffer, binding.lengthWord); break;
   }

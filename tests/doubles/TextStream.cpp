@@ -17,6 +17,7 @@
 #include <string.h>
 
 #include <algorithm>
+#include <set>
 
 namespace fs = std::filesystem;
 
@@ -32,7 +33,19 @@ struct TextStream
   size_t position = 0;  // in `delivered`
 };
 
-int openStreams = 0;
+// glibc's streams of those that are open. All other streams of the program are glibc's affair.
+std::set<FILE*>& OpenFiles()
+{
+  static std::set<FILE*> files;
+  return files;
+}
+
+// True if this call for one of those is to fail.
+bool FailsFor(const char* function, FILE* file)
+{
+  unsigned long code = 0;
+  return OpenFiles().contains(file) && TakeFault(function, code);
+}
 
 template <typename Unit>
 std::vector<Unit> AsText(const std::vector<Unit>& units)
@@ -105,7 +118,6 @@ int SeekStream(void* cookie, off64_t* offset, int from)
 int CloseStream(void* cookie)
 {
   delete static_cast<TextStream*>(cookie);
-  --openStreams;
   return 0;
 }
 
@@ -123,7 +135,7 @@ errno_t OpenStream(FILE** file, const std::string& path)
     EndUnprepared("glibc has no stream left.");
   // A buffer of glibc would count places in a way of its own.
   (void)setvbuf(*file, nullptr, _IONBF, 0);
-  ++openStreams;
+  OpenFiles().insert(*file);
   return 0;
 }
 
@@ -131,8 +143,41 @@ errno_t OpenStream(FILE** file, const std::string& path)
 
 int FilesDouble::OpenStreams() const
 {
-  return openStreams;
+  return static_cast<int>(OpenFiles().size());
 }
+
+// As the code under test calls them (--wrap, see CMakeLists.txt).
+extern "C" {
+
+size_t __real_fread(void* buffer, size_t size, size_t count, FILE* file);
+int __real_fseek(FILE* file, long offset, int from);
+long __real_ftell(FILE* file);
+int __real_fclose(FILE* file);
+
+size_t __wrap_fread(void* buffer, size_t size, size_t count, FILE* file)
+{
+  return FailsFor("fread", file) ? 0 : __real_fread(buffer, size, count, file);
+}
+
+int __wrap_fseek(FILE* file, long offset, int from)
+{
+  return FailsFor("fseek", file) ? -1 : __real_fseek(file, offset, from);
+}
+
+long __wrap_ftell(FILE* file)
+{
+  return FailsFor("ftell", file) ? -1 : __real_ftell(file);
+}
+
+int __wrap_fclose(FILE* file)
+{
+  const bool fails = FailsFor("fclose", file);
+  OpenFiles().erase(file);
+  const int result = __real_fclose(file);
+  return fails ? EOF : result;
+}
+
+}  // extern "C"
 
 errno_t _wfopen_s(FILE** file, const wchar_t* path, const wchar_t* mode)
 {

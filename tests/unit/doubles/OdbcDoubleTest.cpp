@@ -247,6 +247,21 @@ TEST_F(OdbcDoubleTest, ANullWithoutALengthWordIsAnError)
   EXPECT_EQ(Poison, text);
 }
 
+TEST_F(OdbcDoubleTest, ANumberThatItsTypeDoesNotHaveIsAnError)
+{
+  database.Table("T", {{"32768"}, {"-32768.9"}, {"1e300"}, {"nan"}});
+  (void)Execute("SELECT * FROM T");
+  SQLSMALLINT number = -77;
+  SQLLEN bytes = 0;
+  (void)SQLBindCol(statement, 1, SQL_C_SSHORT, &number, sizeof(number), &bytes);
+  EXPECT_EQ(SQL_ERROR, SQLFetch(statement));
+  EXPECT_EQ(-77, number);
+  EXPECT_EQ(SQL_SUCCESS, SQLFetch(statement));
+  EXPECT_EQ(-32768, number);
+  EXPECT_EQ(SQL_ERROR, SQLFetch(statement));
+  EXPECT_EQ(SQL_ERROR, SQLFetch(statement));
+}
+
 TEST_F(OdbcDoubleTest, AValueIsConvertedToTheTypeThatIsBound)
 {
   EXPECT_EQ(-5, Fetched<SQLINTEGER>("-5", SQL_C_LONG));
