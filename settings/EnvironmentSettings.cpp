@@ -32,9 +32,10 @@ bool ReadString(HKEY root, const QulString& keyPath, const QulString& valueName,
   DWORD size = ToldBytes;
   const bool read = RegQueryValueExW(key, valueName.Text(), nullptr, &type,
                                      reinterpret_cast<BYTE*>(buffer), &size) == ERROR_SUCCESS;
+  // Before the text is made: memory that runs out there ends the update, and the launch goes on.
+  (void)RegCloseKey(key);
   if (read)
     result.Assign(buffer);
-  (void)RegCloseKey(key);
   return read;
 }
 
