@@ -218,6 +218,16 @@ TEST_F(LanguageColumn, KeepsAMarkerInTheLanguagesEntry)
   EXPECT_EQ(Alternate(French, L"Y;A/UNIQUE", L"Y"), "A/UNIQUE");
 }
 
+// Eight entries fill the memory of the list: what lies behind them can't be read.
+TEST_F(LanguageColumn, IsNoneIfTheListEndsJustBeforeTheLanguage)
+{
+  constexpr int32_t CanadianFrench = 3084;  // place 8
+  EXPECT_EQ(Alternate(CanadianFrench, L"X;A;B;C;D;E;F;G", L"X"), "none");
+  EXPECT_EQ(Alternate(CanadianFrench, L"X;A;B;C;D;E;F;G;H", L"X"), "H");
+  const auto info = InfoOf(CanadianFrench, {TableRow(L"Parts", L"P;A;B;C;D;E;F;G")});
+  EXPECT_EQ(Resolve(*info, L"Parts"), "");
+}
+
 TEST_F(LanguageColumn, IsNoneIfTheListEndsBeforeTheLanguage)
 {
   EXPECT_EQ(Alternate(Dutch, L"X;X_1", L"X"), "none");
