@@ -16,8 +16,9 @@ constexpr wchar_t Quote = L'\'';
 __extension__ using Unsigned128 = unsigned __int128;
 
 // Rounds a number to millionths, exactly: its 53 bits times a million fit into 128. False for what
-// is too large, infinite or NaN, and for one that lies in the middle of two millionths, which
-// runtimes round in different ways. The sign is left out.
+// is too large, infinite or NaN, and for what runtimes round in different ways, since some make 17
+// digits first and round these: one in the middle of two millionths or, seen by those digits, near
+// it. The sign is left out.
 bool RoundToMillionths(double number, uint64_t& millionths)
 {
   constexpr uint64_t fractionBits = 52;
@@ -40,7 +41,9 @@ bool RoundToMillionths(double number, uint64_t& millionths)
   }
   const Unsigned128 half = Unsigned128{1} << (shift - 1);
   const Unsigned128 rest = scaled & ((half << 1) - 1);
-  if (rest == half)
+  // Rounding to 17 digits moves a number by less than this: a 2^54th part of it.
+  const Unsigned128 moved = scaled >> 54;
+  if (rest + moved >= half && rest <= half + moved)
     return false;
   millionths = static_cast<uint64_t>(scaled >> shift) + (rest > half ? 1 : 0);
   return true;

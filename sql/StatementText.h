@@ -27,7 +27,7 @@ public:
   // In quotes, with each quote in it doubled: at most size characters, or up to a terminator.
   void AppendQuoted(const wchar_t* text, size_t size);
   void AppendInteger(int32_t number);
-  // With six decimals and a point; infinity and NaN as the runtime writes them.
+  // With six decimals and a point, as the runtime writes it with "%f".
   void AppendDecimals(double number);
 
   // NUL-terminated. ODBC takes statements by pointers to changeable text, and changes nothing.

@@ -1,11 +1,13 @@
 // Numbers with six decimals are what the C runtime's "%f" gives, to the digit.
 #include "sql/StatementText.h"
 
+#include "tests/doubles/Diary.h"
 #include "tests/doubles/Text.h"
 
 #include <gtest/gtest.h>
 
 #include <stdio.h>
+#include <stdlib.h>
 
 #include <bit>
 #include <cmath>
@@ -37,6 +39,35 @@ void ExpectTheRuntimesText(double number)
     ASSERT_EQ(Decimals(near), RuntimeDecimals(near)) << std::bit_cast<uint64_t>(near);
     ASSERT_EQ(Decimals(-near), RuntimeDecimals(-near)) << std::bit_cast<uint64_t>(-near);
   }
+}
+
+// What a runtime writes that makes 17 digits of a number below 1e11 and rounds these to six
+// decimals.
+std::string DecimalsOf17Digits(double number)
+{
+  char text[40];
+  (void)snprintf(text, sizeof(text), "%.16e", number);
+  const std::string digits = text[0] + std::string(text + 2, 16);
+  uint64_t millionths = strtoull(digits.c_str(), nullptr, 10);
+  int surplus = 10 - atoi(text + 19);
+  for (; surplus > 1; --surplus)
+    millionths /= 10;
+  if (surplus == 1)
+    millionths = (millionths + 5) / 10;
+  (void)snprintf(text, sizeof(text), "%llu.%06llu",
+                 static_cast<unsigned long long>(millionths / 1000000),
+                 static_cast<unsigned long long>(millionths % 1000000));
+  return text;
+}
+
+// Decimals, or nothing where the runtime was asked for them.
+std::string OwnDecimals(double number)
+{
+  bool isAsked = false;
+  WatchCalls([&isAsked](const char* /*function*/) { isAsked = true; });
+  const std::string decimals = Decimals(number);
+  ResetPlatform();
+  return isAsked ? "" : decimals;
 }
 
 }  // namespace
@@ -149,4 +180,36 @@ TEST(Decimals, OfAnyBitsOfAnOrdinarySizeAreTheRuntimes)
     const double number = std::ldexp(fraction, static_cast<int>(random() % 90) - 80 - 53 + 45);
     ASSERT_EQ(Decimals(number), RuntimeDecimals(number)) << std::bit_cast<uint64_t>(number);
   }
+}
+
+TEST(Decimals, AreLeftToARuntimeThatMayRoundTwice)
+{
+  // Their seventh decimal is a five, as near as a number of this size can be to it.
+  std::mt19937_64 random(5);
+  int asked = 0;
+  for (int i = 0; i < 20000; ++i) {
+    const uint64_t digits = random() % 100000000000000000 >> (random() % 50);
+    const double number = (static_cast<double>(digits) * 10 + 5) / 1e7;
+    const std::string decimals = OwnDecimals(number);
+    asked += decimals.empty() ? 1 : 0;
+    if (!decimals.empty()) {
+      ASSERT_EQ(decimals, DecimalsOf17Digits(number)) << std::bit_cast<uint64_t>(number);
+    }
+  }
+  EXPECT_GT(asked, 1000);
+}
+
+TEST(Decimals, OfMillionthsAreMadeWithoutTheRuntime)
+{
+  std::mt19937_64 random(6);
+  for (int i = 0; i < 20000; ++i) {
+    const double number = static_cast<double>(random() % 1000000000000000) / 1e6;
+    ASSERT_EQ(OwnDecimals(number), DecimalsOf17Digits(number)) << std::bit_cast<uint64_t>(number);
+  }
+}
+
+TEST(Decimals, BeyondSeventeenDigitsAreLeftToTheRuntime)
+{
+  EXPECT_EQ(OwnDecimals(std::ldexp(1.0, 44)), "");
+  EXPECT_EQ(OwnDecimals(123456789012.345678), "");
 }
