@@ -27,8 +27,10 @@ UpdateTable::UpdateTable(QulDatabase& patchDatabase)
 {
   QulString tableName(L"UpdateTable");
   QulString variant;
+  // A list that ends before the language leaves the variant empty, and drivers differ in what they
+  // list for an empty name.
   if (patchDatabase.infoTable->ResolveTableName(tableName.Text(), variant) &&
-      patchDatabase.TableExists(variant.Text())) {
+      patchDatabase.TableExists(variant.Text()) && variant.Length() > 0) {
     tableName.Assign(variant);
   }
 
@@ -48,7 +50,7 @@ UpdateTable::UpdateTable(QulDatabase& patchDatabase)
     unsigned char deleteRows = 0;
     unsigned char recreate = 0;
     unsigned char createIfMissing = 0;
-    SQLLEN length = 0;
+    SQLLEN length = 0;  // of all six, and not looked at
     (void)SQLBindCol(statement, 2, SQL_C_WCHAR, database, sizeof(database), &length);
     (void)SQLBindCol(statement, 3, SQL_C_WCHAR, sourceTable, sizeof(sourceTable), &length);
     (void)SQLBindCol(statement, 4, SQL_C_WCHAR, targetTable, sizeof(targetTable), &length);
@@ -124,8 +126,8 @@ void UpdateTable::MatchTables(const QulString& pattern, QulDatabase& database,
   matches.Clear();
   for (int i = 0; i < candidates.count; ++i) {
     const QulString& name = candidates.data[i];
-    // The end of the name is compared with the text in front of the star: patches are written for
-    // that.
+    // Compared with the text in front of the star, not with the one behind it, whose length alone
+    // counts: what such a pattern has selected in patches so far, it goes on selecting.
     if (name.Length() >= suffix.Length() && name.Right(suffix.Length()).EqualsNoCase(prefix))
       matches.Append(name);
   }

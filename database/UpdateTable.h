@@ -24,8 +24,8 @@ class UpdateTable
 {
 public:
   // Reads the rows from the table, or from its variant in the language of the installation if the
-  // patch has one. Texts are cut to 49 characters. The patch isn't kept. After a failure the rows
-  // so far stay.
+  // patch has one. Texts are cut to 49 characters, and a NULL takes the text or flag of the row
+  // before. The patch isn't kept. After a failure the rows so far stay.
   explicit UpdateTable(QulDatabase& patchDatabase);
   UpdateTable(const UpdateTable&) = delete;
   UpdateTable& operator=(const UpdateTable&) = delete;
@@ -42,7 +42,8 @@ public:
                          QulArray<UpdateStep>& expanded);
 
   // Appends to matches, an empty array, the tables of database that start with the text in front of
-  // the pattern's last star. Nothing matches a pattern without a star or with a star in front.
+  // the pattern's last star; case doesn't count. Nothing matches a pattern without a star, or whose
+  // last star is its first character.
   // Where text stands behind the star too, those tables stay, or all tables of the database if
   // there were none, whose last characters, as many as there are behind the star, equal the text in
   // front of it.

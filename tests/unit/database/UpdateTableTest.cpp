@@ -196,6 +196,20 @@ TEST_F(StoredSteps, AreThoseOfTheBaseIfTheListEndsBeforeTheLanguage)
             R"(SQLExecDirectW(stmt#7, "SELECT * FROM UpdateTable ORDER BY [ID]", -3) = -1)");
 }
 
+TEST_F(StoredSteps, AreThoseOfTheBaseEvenIfTheCatalogueDoesNotDenyAnEmptyName)
+{
+  SetLanguage(1036);
+  Patch().Table("Info", {{"UpdateTable", "UpdateTable", "LanguageDependentTables"}});
+  auto patch = OpenPatch();
+  ClearDiary();
+  FailOdbcCall("SQLFetch", 1, SQL_ERROR);
+  const UpdateTable table(*patch);
+  EXPECT_EQ(
+      DiaryOf({"SQLColumnsW", "SQLExecDirectW"}),
+      (Lines{R"(SQLColumnsW(stmt#6, null 0, null 0, "" -3, null 0) = 0)",
+             R"(SQLExecDirectW(stmt#7, "SELECT * FROM UpdateTable ORDER BY [ID]", -3) = -1)"}));
+}
+
 TEST_F(StoredSteps, AskForNoVariantOfATableThatHasNone)
 {
   auto patch = OpenPatch();

@@ -1,4 +1,4 @@
-// Whole updates on real SQL: what they leave in the databases, and what the next start makes of it.
+// Whole updates on real SQL: what is in the databases afterwards, and what another start then does.
 #include "tests/doubles/FilesDouble.h"
 #include "tests/unit/update/LiveMachine.h"
 #include "update/DatabaseUpdateManager.h"
