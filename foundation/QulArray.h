@@ -4,8 +4,7 @@
 #include <stddef.h>
 
 // A dense growable array. All elements up to the capacity are constructed at any time; the
-// capacity grows by whole steps. An array of pointers doesn't own what
-// they point to.
+// capacity grows by whole steps. An array of pointers doesn't own what they point to.
 template <typename Element>
 class QulArray
 {
@@ -25,8 +24,9 @@ public:
   // what they held before: empty ones, or what was left there by Clear.
   void SetCount(int newCount);
 
-  // Copies element to index. An index at or beyond the count makes the count index + 1, with empty
-  // elements in between; nothing is stored at a negative index. The element may live in this array.
+  // Copies element to index. An index outside the count makes the count index + 1; what comes into
+  // use in between is as with SetCount. At a negative index nothing is stored, and the count
+  // shrinks all the same. The element may live in this array.
   void SetAt(int index, const Element& element);
 
   void Append(const Element& element) { SetAt(count, element); }

@@ -8,10 +8,10 @@
 #include <stdio.h>
 #include <string.h>
 
-// Ready in this order, since it is the order of one file. One character more than the calls are
-// told: MultiByteToWideChar leaves a text that is too long without a terminator.
+// Ready in this order, since it is the order of one file. The wide one has a character more than
+// the calls are told: MultiByteToWideChar leaves a text that is too long without a terminator.
 wchar_t* const QulWideScratch = new wchar_t[QulStringLimit + 1]();
-char* const QulNarrowScratch = new char[QulStringLimit + 1]();
+char* const QulNarrowScratch = new char[QulStringLimit]();
 QulStringRepr* const QulStringEmptyRepr = new QulStringRepr(L"");
 
 namespace {
@@ -97,22 +97,6 @@ void QulString::DropNarrow()
   SecureZeroMemory(narrow, strlen(narrow));
   delete[] narrow;
   narrow = nullptr;
-}
-
-int QulString::Find(const QulString& needle) const
-{
-  if (IsEmptyText(repr->text))
-    return -1;
-  const wchar_t* match = wcsstr(repr->text, needle.Text());
-  return match == nullptr ? -1 : static_cast<int>(match - repr->text);
-}
-
-int QulString::Find(const QulString& needle, int start) const
-{
-  if (start < 0 || start >= Length())
-    return -1;
-  const wchar_t* match = wcsstr(repr->text + start, needle.Text());
-  return match == nullptr ? -1 : static_cast<int>(match - repr->text);
 }
 
 QulString& QulString::Assign(const QulString& source)

@@ -7,7 +7,7 @@
 #include <wchar.h>
 
 // Characters of the longest composed text, terminator counted. A text that needs more ends the
-// process (EndOnInvalidParameter).
+// process (EndOnInvalidParameter); narrow text that does comes out as the conversion leaves it.
 constexpr int QulStringLimit = 524288;
 
 // Names of fixed tables (static arrays of QulString) are initialised with this priority. Objects
@@ -64,9 +64,15 @@ public:
 
   // Index of the first occurrence of needle, -1 if there is none; an empty string holds nothing,
   // not even an empty needle.
-  int Find(const QulString& needle) const;
+  int Find(const QulString& needle) const
+  {
+    return repr->text[0] == L'\0' ? -1 : IndexFrom(0, needle);
+  }
   // The same from index start on; -1 if start lies outside the text. The index counts from 0.
-  int Find(const QulString& needle, int start) const;
+  int Find(const QulString& needle, int start) const
+  {
+    return start < 0 || start >= Length() ? -1 : IndexFrom(start, needle);
+  }
 
   bool EqualsNoCase(const QulString& other) const
   {
@@ -74,19 +80,21 @@ public:
   }
 
   QulString& Assign(const QulString& source);
-  // The text may be part of a scratch buffer but not of this handle's own text.
+  // The text may be part of a scratch buffer but not of this handle's own text. Null gives the
+  // empty string, here and below.
   QulString& Assign(const wchar_t* source);
   // As Assign, for text in the ANSI code page.
   QulString& AssignNarrow(const char* source);
 
+  // What these take may be this handle's own text, but doesn't lie in a scratch buffer.
   static QulString Concat(const QulString& left, const QulString& right);
   QulString& Append(const QulString& right);
   // printf into this handle; in Format %s is wide text, in FormatNarrow narrow text in the ANSI
-  // code page. The arguments may point to this handle's own text.
+  // code page.
   QulString& Format(const wchar_t* format, ...);
   QulString& FormatNarrow(const char* format, ...);
-  // Replaces every occurrence of needle from left to right and returns their number. What a
-  // replacement brings in is not searched again.
+  // Replaces every occurrence of needle from left to right and returns their number; an empty
+  // needle occurs nowhere. What a replacement brings in is not searched again.
   int Replace(const QulString& needle, const QulString& replacement);
 
   // The first or last count characters: all of them if there are fewer, none below 0.
@@ -117,6 +125,11 @@ private:
   static constexpr const wchar_t* DefaultTrimSet = L"\t\n ";
 
   explicit QulString(QulStringRepr* shared);
+  int IndexFrom(int start, const QulString& needle) const
+  {
+    const wchar_t* match = wcsstr(repr->text + start, needle.Text());
+    return match == nullptr ? -1 : static_cast<int>(match - repr->text);
+  }
   void Release();
   void DropNarrow();
 };

@@ -73,7 +73,7 @@ QulString QulString::SubString(const QulString& source, int start, int count)
 
 QulString QulString::SubStringFrom(const QulString& source, int start)
 {
-  return SubString(source, start, source.Length() - start);
+  return SubString(source, start, start < 0 ? 0 : source.Length() - start);
 }
 
 void QulString::TrimLeft(const QulString& set)

@@ -162,7 +162,7 @@ private:
       memcpy(a.real.narrow, "abc", 4);
     }
     const Text expected = b.plain;
-    (void)input.Run([&] { a.real = b.real; });
+    Require(input.Run([&] { a.real = b.real; }) == Ending::Returned, "a copy can always be made");
     a.plain = expected;
     Require(a.real.repr == b.real.repr, "a copy shares the text");
     Require((a.real.narrow != nullptr) == (withNarrow && shared),
@@ -344,7 +344,7 @@ private:
     // The runtime compares at each place: a long text that nearly fits everywhere takes minutes.
     constexpr size_t mostComparisons = 1u << 24;
     const bool isQuick = a.plain.size() * b.plain.size() <= mostComparisons;
-    (void)input.Run([&] {
+    const Ending ending = input.Run([&] {
       if (isQuick) {
         Require(a.real.Find(b.real) == index(0), "the first occurrence is found");
         Require(a.real.Find(b.real, start) == expected, "the next occurrence is found");
@@ -352,6 +352,7 @@ private:
       Require(a.real.EqualsNoCase(b.real) == (Lower(a.plain) == Lower(b.plain)),
               "letters compare without regard to case");
     });
+    Require(ending == Ending::Returned, "texts can always be searched");
   }
 
   void ChangeLists(char kind)

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits.h>
+
 namespace {
 
 QulCharArray CharactersOf(const QulString& text)
@@ -176,7 +178,7 @@ TEST(StringSubStringFrom, GivesTheRestOfTheSource)
   {
     int start;
     const char* rest;
-  } cases[] = {{0, "abc"}, {1, "bc"}, {2, "c"}, {3, ""}, {4, ""}, {-1, ""}};
+  } cases[] = {{0, "abc"}, {1, "bc"}, {2, "c"}, {3, ""}, {4, ""}, {-1, ""}, {INT_MIN, ""}};
   for (const auto& c : cases) {
     QulString destination(L"old");
     const QulString result = destination.SubStringFrom(L"abc", c.start);
