@@ -17,7 +17,7 @@ void ReadAttributeValues(const QulDatabase& database, const wchar_t* table,
     // Names and numbers are short; a longer text is cut.
     wchar_t attribute[50] = {};
     wchar_t value[50] = {};
-    SQLLEN length = 0;
+    SQLLEN length = 0;  // of both, and not looked at
     (void)SQLBindCol(statement, 1, SQL_C_WCHAR, attribute, sizeof(attribute), &length);
     (void)SQLBindCol(statement, 2, SQL_C_WCHAR, value, sizeof(value), &length);
     while (SQL_SUCCEEDED(SQLFetch(statement))) {

@@ -10,7 +10,7 @@ class QulDatabase;
 struct AttributeValue
 {
   QulString attribute;
-  QulString value;  // a number in decimal text
+  QulString value;  // decimal digits, as a rule
 };
 
 // Appends what the stored table holds to rows, as the driver delivers it. Rows that lack one of

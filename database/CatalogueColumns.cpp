@@ -44,6 +44,7 @@ void Bind(SQLHSTMT statement, CatalogueRow& row)
   const auto bindText = [&](wchar_t(&text)[255]) { bind(SQL_C_WCHAR, text, sizeof(text)); };
   const auto bindShort = [&](SQLSMALLINT& number) { bind(SQL_C_SSHORT, &number, sizeof(number)); };
   const auto bindLong = [&](SQLINTEGER& number) { bind(SQL_C_SLONG, &number, sizeof(number)); };
+  // Told in bytes, and an odd number of them: a text fills an even part. The name isn't used.
   constexpr SQLLEN typeNameBytes = 255;
 
   bindText(row.catalogue);

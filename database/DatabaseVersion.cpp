@@ -40,7 +40,7 @@ int32_t QulDatabase::GetCommMinorVersion() const
 
 int32_t QulDatabase::GetCommSPNumber() const
 {
-  // Service packs have been written with a sign and with letters behind the number.
+  // Other than the rest: a sign, blanks in front and text behind the number are accepted.
   return versionTable == nullptr ? 0 : _wtoi(versionTable->CommSPNumber().Text());
 }
 

@@ -16,7 +16,7 @@ struct LanguagePlace
   int32_t index;
 };
 
-// Places that no language has belong to languages of earlier releases.
+// Places 12 and 15 to 18 are no language's; lists fill them all the same.
 constexpr LanguagePlace LanguagePlaces[] = {
     {1036, 1},   // French
     {1043, 2},   // Dutch
@@ -103,7 +103,7 @@ void InfoTable::ReadRows(const QulDatabase& database)
     wchar_t value[65535];
     wchar_t type[255];
     name[0] = value[0] = type[0] = L'\0';
-    SQLLEN length = 0;
+    SQLLEN length = 0;  // of all three, and not looked at
     (void)SQLBindCol(statement, 1, SQL_C_WCHAR, name, sizeof(name), &length);
     (void)SQLBindCol(statement, 2, SQL_C_WCHAR, value, sizeof(value), &length);
     (void)SQLBindCol(statement, 3, SQL_C_WCHAR, type, sizeof(type), &length);

@@ -27,14 +27,16 @@ struct InfoRow
 class InfoTable
 {
 public:
-  // Reads the language from the registry and the rows from the database, which isn't kept. Reports
-  // nothing; what can't be read leaves the default language 9 and no rows.
+  // Reads the language from the registry and the rows from the database, which isn't kept. Texts
+  // are cut to 49, 65,534 and 254 characters, and a NULL takes the text of the row before. Reports
+  // nothing: a language that can't be read is 9, and rows that can't are missing.
   explicit InfoTable(const QulDatabase& database);
   InfoTable(const InfoTable&) = delete;
   InfoTable& operator=(const InfoTable&) = delete;
   virtual ~InfoTable() = default;
 
-  // The installation's place in a list of variants. Place 0 holds the base, which no language has.
+  // The installation's place in a list of variants: 4 for a language that has none of its own.
+  // Place 0 holds the base, which no language has.
   int32_t LanguageIndex() const;
 
   // True if a row lists variants of table. answer becomes the installation's variant if the list
@@ -42,7 +44,7 @@ public:
   bool ResolveTableName(const wchar_t* table, QulString& answer) const;
 
   // True, with the name in answer, if another column of table holds the text of column in the
-  // installation's language.
+  // installation's language; else answer stays as it is.
   bool FindAlternateColumn(const wchar_t* table, const wchar_t* column, QulString& answer) const;
 
   // Appends the columns of table for all languages. Names have two characters or more: a shorter

@@ -48,6 +48,7 @@ QulDatabase::~QulDatabase()
   }
   if (environmentHandle != SQL_NULL_HENV)
     (void)SQLFreeHandle(SQL_HANDLE_ENV, environmentHandle);
+  // The connection is gone: none of these asks it for anything.
   delete versionTable;
   delete projectsVersionTable;
   delete infoTable;
@@ -139,6 +140,8 @@ QulArray<QulString>& QulDatabase::GetTableNames()
     return tableNames;
   // Nobody frees this statement, on whatever path: it ends with the connection, and one is enough
   // for the life of the list. Nothing is fetched through the bindings after this call.
+  // Success with information counts as failure up to here and as a row below: a list that can't be
+  // had cleanly isn't begun, but one that was begun is read to its end.
   SQLHSTMT statement = SQL_NULL_HSTMT;
   if (SQLAllocHandle(SQL_HANDLE_STMT, connectionHandle, &statement) != SQL_SUCCESS)
     return tableNames;
@@ -158,6 +161,7 @@ QulArray<QulString>& QulDatabase::GetTableNames()
   (void)SQLBindCol(statement, 2, SQL_C_WCHAR, schema, sizeof(schema), &lengths[1]);
   (void)SQLBindCol(statement, 3, SQL_C_WCHAR, tableName, sizeof(tableName), &lengths[2]);
   (void)SQLBindCol(statement, 4, SQL_C_WCHAR, tableType, sizeof(tableType), &lengths[3]);
+  // A binding that says so of the last column knows already that no row comes.
   if (SQLBindCol(statement, 5, SQL_C_WCHAR, remarks, sizeof(remarks), &lengths[4]) == SQL_NO_DATA)
     return tableNames;
   for (;;) {

@@ -31,7 +31,8 @@ public:
   // Disconnects; every statement of the connection ends with it.
   virtual ~QulDatabase();
 
-  // Description of a table by the catalogue, without key. The caller owns it. Columns keep the
+  // Description of a table by the catalogue, without key; table is a search pattern of the
+  // catalogue, as with TableExists. The caller owns the description. Columns keep the
   // order of the catalogue; those beyond TableSchema::Capacity are left out. A table that is not
   // there gives no columns. With hideOtherLanguages the columns that hold other languages' texts
   // are marked as hidden.
@@ -46,12 +47,13 @@ public:
   // Drops a table. A failure is reported. The object is connected.
   void DropTable(const wchar_t* table);
 
-  // Whether the catalogue knows a table with a column. A catalogue that fails in the middle of the
-  // answer counts as yes.
+  // Whether the catalogue knows a table with a column. table is a search pattern of the catalogue.
+  // One that fails in the middle of the answer counts as yes, an unconnected object as no.
   bool TableExists(const wchar_t* table);
 
   // The names of the tables, views left out; asked of the catalogue at the first call, and again as
-  // long as it has given none.
+  // long as it has given none. A name is cut to 128 characters, and after an error the names so far
+  // stay. The list lives as long as this object.
   QulArray<QulString>& GetTableNames();
 
   QulString GetName() const { return name; }

@@ -16,20 +16,23 @@ public:
   ~QulPatchDatabase() override;
 
   // Marks the key columns of schema, as the table InfoTableRelations of targetDatabase tells them
-  // for table. If that names none of them, the first column becomes the key, which is reported. The
-  // first column of InfoTableRelations itself is its key without a question. targetDatabase is set.
+  // for table, which stands in the query as it is. If that names none of them, the first column
+  // becomes the key, which is reported. The first column of InfoTableRelations itself is its key
+  // without a question. targetDatabase is set.
   void MarkKeyColumns(const wchar_t* table, TableSchema& schema) const;
 
   // Carries out what the update table has for target, step by step; each one sees what those before
   // it have done. Nothing for null.
   void ApplyPatch(QulDatabase* target);
 
-  // Carries out one step on targetDatabase, which is set. Failures are reported and end the step or
-  // the row at most; what has been done stays.
+  // Carries out one step on targetDatabase, which is set. A table that is missing and an INSERT, a
+  // DELETE, a CREATE or a DROP that fails are reported, a query and an UPDATE aren't; they end the
+  // step or the row at most, and what has been done stays.
   void PatchTable(UpdateStep step);
 
   // Deletes from the target's table the rows that source's table lists: by their key if the target
-  // told one, else by all columns that both have. Failures are reported and end the row.
+  // told one that source has a column of, else by all columns that both have. A DELETE that fails
+  // is reported and ends the row.
   void DeleteRows(TableSchema& source, TableSchema& target);
 
   UpdateTable* updateTable;  // owned

@@ -8,7 +8,7 @@
 
 namespace {
 
-// No type of ODBC's; drivers have reported it for text.
+// No type of ODBC's, taken for text.
 constexpr int32_t UnnamedTextType = 99;
 
 }  // namespace

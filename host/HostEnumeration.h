@@ -23,8 +23,8 @@ struct HostKeyScope
 // it that of every later version, whose records are the user's.
 HostKeyScope ScopeOfHostKeys(bool useMachineRoot);
 
-// Reads a text value of up to 250 characters from an open key. A value that is absent, longer or
-// can't be read gives the empty string.
+// Reads a text of up to 250 characters from an open key, of whatever type the value is. A value
+// that is absent, longer or can't be read gives the empty string.
 QulString ReadHostValue(HKEY key, const wchar_t* valueName);
 
 // Opens the key of the product that "CurProd" names or, failing that, of the first subkey whose

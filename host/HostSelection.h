@@ -8,8 +8,8 @@
 // drawing files belong to it, else the version that the host last recorded as current.
 // commandLine comes in as the user's arguments and becomes the host's command line on every road.
 // hostKeyPath becomes the path of the host's key as far as it was found; hostExecutable is empty if
-// no host was found. hostIs64Bit comes in false. The release has the value reached so far when the
-// search fails.
+// no host was found, or a name without a folder (ResolveRequestedHost). hostIs64Bit comes in false.
+// The release has the value reached so far when the search fails.
 HostRelease SelectHost(QulString& commandLine, QulString& hostKeyPath, QulString& hostExecutable,
                        bool& hostIs64Bit);
 

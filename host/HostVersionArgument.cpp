@@ -133,6 +133,7 @@ HostRelease ResolveRequestedHost(QulString& commandLine, QulString& hostKeyPath,
                          version.productPart);
   }
 
+  // The base that an exact search leaves behind passes, too: the start of such a host then fails.
   if (hostKeyPath.Length() > 0) {
     // Always four characters, even where the product's name has no dash or an early one.
     const QulString exeName = version.productPart.Left(4) + L".exe";

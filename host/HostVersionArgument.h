@@ -8,11 +8,13 @@
 // R17\ABCD-0001 or R17.1\ABCD-0001, in double quotes if it holds blanks.
 extern const wchar_t* const HostVersionSwitch;
 
-// Takes the first switch and its value out of commandLine, which holds one, and looks for the host
+// Cuts the first switch with its value from commandLine, which holds one, and looks for the host
 // demanded. A switch without a value or with an open quote stays in the line. An unusable value
-// gives release 3, a version that is not served HostReleaseUnknown. hostExecutable is left as it
-// was if no host is found; hostKeyPath then is empty or the base of all hosts. hostIs64Bit always
-// gets a value.
+// gives release 3 and leaves hostKeyPath and hostExecutable as they were; a version that is not
+// served gives HostReleaseUnknown. Without a host, hostKeyPath becomes empty and hostExecutable
+// stays; but a version and product that don't exist leave the base of all hosts in hostKeyPath, and
+// in hostExecutable, if the machine has that key, a name without a folder. hostIs64Bit always gets
+// a value.
 HostRelease ResolveRequestedHost(QulString& commandLine, QulString& hostKeyPath,
                                  QulString& hostExecutable, bool& hostIs64Bit);
 

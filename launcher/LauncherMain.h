@@ -9,9 +9,9 @@
 #include <stdint.h>
 
 // The whole run: chooses the host, records the loader for it, registers the add-on, repairs it,
-// rewrites PATH and starts the host. arguments are the user's in the ANSI code page, without the
-// program's name, and may be null; nothing else is looked at. Always returns 0: every stop is
-// silent.
+// brings its databases up to date, rewrites PATH and starts the host. arguments are the user's in
+// the ANSI code page, without the program's name, and may be null; nothing else is looked at.
+// Always returns 0: every stop is silent.
 int32_t LauncherMain(HINSTANCE instance, HINSTANCE previousInstance, const char* arguments,
                      int32_t showState);
 

@@ -3,8 +3,8 @@
 
 #include <stddef.h>
 
-// Characters of a PATH and of one of its elements, terminators counted. Longer ones end the
-// process.
+// Characters of a PATH and of one of its elements, terminators counted. An element or a new PATH
+// that is longer ends the process; an old PATH that is longer counts as empty.
 constexpr size_t PathListCharacters = 32768;
 constexpr size_t PathElementCharacters = 2048;
 

@@ -23,8 +23,9 @@ void AppendKeyQuery(StatementText& query, const TableSchema& source)
   query.Append(source.tableName.Text());
 }
 
-// Binds the key columns of schema to the first columns of a query. The query has the key columns of
-// another table, which are the same: the same rows of the target told them for both.
+// Binds the key columns of schema to the first columns of a query, which has the key columns of
+// another table. They are paired by their places and not compared: where the tables have them in
+// another order, or one lacks a key column, other rows are deleted.
 void BindKeyColumns(SQLHSTMT statement, const TableSchema& schema)
 {
   SQLUSMALLINT ordinal = 0;

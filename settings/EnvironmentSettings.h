@@ -4,7 +4,8 @@
 #include "foundation/QulString.h"
 
 // What the add-on's installation tells about itself in the registry. Every call reads anew; a
-// value that can't be read gives the empty string, and nothing is reported.
+// value that can't be read, or has more than 4,096 characters, gives the empty string, and nothing
+// is reported. Where trailing backslashes are taken off, a lone one stays.
 
 // Path of the registry key that holds the settings; the registry is not looked at.
 QulString GetEnvironmentKey();

@@ -27,7 +27,8 @@ QulString GetConnectionString(const QulString& name);
 // Appends the complete entries of the configuration file to DataSourceTable and returns how many
 // that has then. Nothing is reported: a file that can't be read has none, and an entry that lacks
 // an attribute is passed over. A file in which the end of the root element stands before its
-// beginning, or the end of another element before the next entry, throws std::bad_alloc.
+// beginning, or the end of another element before the next entry, throws std::bad_alloc, unless
+// the text ends with that beginning.
 int32_t LoadDatabaseConfiguration();
 
 #endif

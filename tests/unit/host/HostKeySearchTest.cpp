@@ -165,6 +165,12 @@ TEST_F(HostKeyByVersion, MatchesTheVersionAnywhereInTheName)
   EXPECT_EQ(Find("17", "", "").path, Base + "AutoCAD\\Preview of R2017.1 x\\ABCD-0001\\");
 }
 
+TEST_F(HostKeyByVersion, MatchesTheVersionBehindAControlCharacter)
+{
+  AddKey(UserHosts(), "AutoCAD\\\1R17.1\\ABCD-0001");
+  EXPECT_EQ(Find("17", "1", "").path, Base + "AutoCAD\\\1R17.1\\ABCD-0001\\");
+}
+
 TEST_F(HostKeyByVersion, MatchesMajorAndMinorPartWithADotBetween)
 {
   AddKey(UserHosts(), "AutoCAD\\R17.0\\AAAA-0001");
