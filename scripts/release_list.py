@@ -18,13 +18,15 @@ import sys
 from datetime import datetime, timezone
 
 # Terms of the libraries that a compiler links into each program, by Debian package. Their texts are
-# part of the release.
+# part of the release. The runtime's files have various ones, which only the text tells apart.
 LICENCES = {
     "g++-mingw-w64-x86-64-posix": "GPL-3.0-or-later WITH GCC-exception-3.1",
     "gcc-mingw-w64-x86-64-posix": "GPL-3.0-or-later WITH GCC-exception-3.1",
-    "gcc-mingw-w64-x86-64-posix-runtime": "GPL-3.0-or-later WITH GCC-exception-3.1",
-    "mingw-w64-x86-64-dev": "ZPL-2.1",
+    "mingw-w64-x86-64-dev": "NOASSERTION",
 }
+
+# The other packages on which the bytes of the release depend.
+TOOLS = ["binutils-mingw-w64-x86-64", "cmake", "zip"]
 
 
 def fail(text):
@@ -114,6 +116,20 @@ def library_packages(map_file):
     } for name, libraries in packages(map_file).items()]
 
 
+def tool_packages():
+    return [{
+        "SPDXID": "SPDXRef-Tool-" + name,
+        "name": name,
+        "versionInfo": debian_version(name),
+        "supplier": "Organization: Debian",
+        "downloadLocation": "NOASSERTION",
+        "filesAnalyzed": False,
+        "licenseConcluded": "NOASSERTION",
+        "licenseDeclared": "NOASSERTION",
+        "copyrightText": "NOASSERTION",
+    } for name in TOOLS]
+
+
 def relation(source, kind, target):
     return {"spdxElementId": source, "relationshipType": kind, "relatedSpdxElement": target}
 
@@ -121,6 +137,8 @@ def relation(source, kind, target):
 def document(options):
     entries = file_entries(options.folder)
     libraries = library_packages(options.map)
+    tools = tool_packages()
+    code = verification_code(entries)
     program = next((entry for entry in entries if entry["fileName"].endswith(".exe")), None)
     if program is None:
         fail(f"{options.folder} holds no executable")
@@ -134,7 +152,7 @@ def document(options):
         "downloadLocation": "NOASSERTION",
         "filesAnalyzed": True,
         "packageVerificationCode": {
-            "packageVerificationCodeValue": verification_code(entries),
+            "packageVerificationCodeValue": code,
             "packageVerificationCodeExcludedFiles": ["./KestrelforgeLauncher.spdx.json",
                                                      "./SHA256SUMS"],
         },
@@ -149,15 +167,17 @@ def document(options):
         "dataLicense": "CC0-1.0",
         "SPDXID": "SPDXRef-DOCUMENT",
         "name": options.name,
-        "documentNamespace": f"urn:kestrelforge:{options.name}:{options.commit}",
-        "creationInfo": {"created": created, "creators": ["Tool: release_list.py"]},
-        "packages": [release] + libraries,
+        "documentNamespace": f"urn:kestrelforge:{options.name}:{options.commit}:{code}",
+        "creationInfo": {"created": created,
+                         "creators": [f"Tool: release_list.py-{options.version}"]},
+        "packages": [release] + libraries + tools,
         "files": entries,
         "relationships":
             [relation("SPDXRef-DOCUMENT", "DESCRIBES", "SPDXRef-Release")]
             + [relation("SPDXRef-Release", "CONTAINS", entry["SPDXID"]) for entry in entries]
             + [relation(program["SPDXID"], "STATIC_LINK", library["SPDXID"])
-               for library in libraries],
+               for library in libraries]
+            + [relation(tool["SPDXID"], "BUILD_TOOL_OF", "SPDXRef-Release") for tool in tools],
     }
 
 

@@ -5,6 +5,8 @@
 # usage: release.sh SOURCE_FOLDER BUILT_PROGRAM
 set -euo pipefail
 
+# A hook of git's hands its own repository on, in which nothing may be done here.
+while read -r variable; do unset "$variable"; done < <(git rev-parse --local-env-vars)
 source_folder=$(realpath "$1")
 program=$(realpath "$2")
 work=$(mktemp -d)
@@ -25,7 +27,8 @@ make_tree() {
   git -C "$folder" init -q
   git -C "$folder" add -A
   GIT_AUTHOR_DATE='2026-01-02T03:04:05Z' GIT_COMMITTER_DATE='2026-01-02T03:04:05Z' \
-    git -C "$folder" -c user.name=release -c user.email=release@localhost commit -qm 'As it is'
+    git -C "$folder" -c user.name=release -c user.email=release@localhost \
+    -c commit.gpgsign=false commit -qm 'As it is'
 }
 
 release_in() {
@@ -78,7 +81,10 @@ for name, entry in entries.items():
     assert by_kind["SHA1"] == hashlib.sha1(content).hexdigest(), name
     assert by_kind["SHA256"] == hashlib.sha256(content).hexdigest(), name
     sums.append(by_kind["SHA1"])
-release, *libraries = listed["packages"]
+release, *others = listed["packages"]
+tools = [package for package in others if package["SPDXID"].startswith("SPDXRef-Tool-")]
+libraries = [package for package in others if package not in tools]
+assert tools and all(tool["versionInfo"] for tool in tools), tools
 code = hashlib.sha1("".join(sorted(sums)).encode()).hexdigest()
 assert release["packageVerificationCode"]["packageVerificationCodeValue"] == code
 linked = " ".join(library["comment"] for library in libraries)
@@ -110,9 +116,16 @@ for file in KestrelforgeLauncher.exe KestrelforgeLauncher.debug; do
 done
 
 # What no commit holds is no release.
+must_refuse() {
+  ! "$1/scripts/release" >"$work/release.log" 2>&1 || fail "$2 was released."
+  grep -qF "$3" "$work/release.log" || fail "It is not said that $3 is the reason."
+}
 printf '\n' >>"$first/README.md"
-! "$first/scripts/release" >"$work/release.log" 2>&1 || fail 'A changed tree was released.'
-grep -q 'README.md' "$work/release.log" || fail 'It is not said which file was changed.'
+must_refuse "$first" 'A changed tree' README.md
+printf '\n' >"$second/docs/more.md"
+must_refuse "$second" 'A tree with a file that no commit holds' docs/more.md
+rm -rf "$second/.git"
+must_refuse "$second" 'A tree of no repository' 'not a git repository'
 
 printf 'Two releases are equal: %s bytes, SHA-256 %s\n' "$(stat -c %s "$zip")" \
   "$(sha256sum <"$zip" | cut -d' ' -f1)"
