@@ -216,9 +216,8 @@ BOOL WINAPI FindClose(HANDLE handle)
       SetLastError(ERROR_INVALID_HANDLE);
     } else {
       // Its number is not given again; what it knew is let go.
-      Search closed;
-      closed.open = false;
-      std::swap(*search, closed);
+      *search = Search();
+      search->open = false;
       result = TRUE;
     }
   }

@@ -22,8 +22,10 @@ public:
   void AllowRows(const std::string& database, const std::string& table,
                  const std::vector<std::string>& rows);
   void AllowAbsence(const std::string& database, const std::string& table);
-  // One row may be missing, one may be there instead or besides, and no other differs.
-  void AllowOneRow(const std::string& database, const std::string& table);
+  // One row of this beginning may be missing, one may be there instead or besides, and no other
+  // differs.
+  void AllowOneRow(const std::string& database, const std::string& table,
+                   const std::string& beginning);
   // The table may hold, in columns that it is to have, what stands in those of the known contents,
   // and what a value that was never read is written as.
   void AllowKnownValues(const std::string& database, const std::string& table,
@@ -41,7 +43,7 @@ private:
 
   Contents expected;
   std::map<Place, std::vector<Rows>> alternatives;  // no rows at all: absence
-  std::set<Place> oneRow;
+  std::map<Place, std::string> oneRow;              // how it begins
   std::set<Place> anything;
   std::map<Place, std::set<std::string>> knownValues;
 };

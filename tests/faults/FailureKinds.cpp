@@ -82,19 +82,11 @@ const Codes OdbcFailures[] = {
 const char* const FalseSuccesses[] = {"SQLExecDirectW", "SQLColumnsW", "SQLTablesW", "SQLBindCol",
                                       "SQLFetch"};
 
-const char* const OdbcFunctions[] = {"SQLAllocHandle",    "SQLSetEnvAttr", "SQLSetConnectAttrW",
-                                     "SQLDriverConnectW", "SQLDisconnect", "SQLFreeHandle",
-                                     "SQLExecDirectW",    "SQLColumnsW",   "SQLTablesW",
-                                     "SQLBindCol",        "SQLFetch",      "SQLCloseCursor"};
-
 // A fetch that says for ever that there is a row, or that it isn't done yet, is asked again for
-// ever, as in every program. Of codes that are no success all are alike, but for the end of rows:
-// one of them for good is enough.
+// ever, as in every program.
 bool CountsForGood(const std::string& function, int code)
 {
-  if (code == SQL_SUCCESS_WITH_INFO)
-    return function != "SQLFetch";
-  return code == SQL_ERROR || code == SQL_NO_DATA;
+  return function != "SQLFetch" || (code != SQL_SUCCESS_WITH_INFO && code != SQL_STILL_EXECUTING);
 }
 
 std::vector<FailureKind> AllKinds()
@@ -117,12 +109,23 @@ std::vector<FailureKind> AllKinds()
   for (const char* function : FalseSuccesses)
     kinds.push_back(
         {function, "", SQL_SUCCESS_WITH_INFO, CountsForGood(function, SQL_SUCCESS_WITH_INFO)});
-  for (const char* function : OdbcFunctions)
+  for (const std::string& function : OdbcFunctions())
     kinds.push_back({function, " with info", SQL_SUCCESS_WITH_INFO});
   return kinds;
 }
 
 }  // namespace
+
+const std::vector<std::string>& OdbcFunctions()
+{
+  static const std::vector<std::string> functions = [] {
+    std::vector<std::string> names;
+    for (const Codes& row : OdbcFailures)
+      names.emplace_back(row.function);
+    return names;
+  }();
+  return functions;
+}
 
 const std::vector<FailureKind>& FailureKinds()
 {

@@ -23,6 +23,9 @@ struct FailureKind
 // documentation says that they return. The checked calls of the runtime are not among them.
 const std::vector<FailureKind>& FailureKinds();
 
+// All functions of ODBC that a launch calls.
+const std::vector<std::string>& OdbcFunctions();
+
 // Those of them that are run for good.
 std::vector<FailureKind> LastingFailureKinds();
 

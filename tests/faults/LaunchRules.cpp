@@ -228,7 +228,7 @@ bool WasRefused(const LaunchCall& call)
 std::set<std::string> HiddenBy(const WholeLaunch& whole, const LaunchCall& call)
 {
   static const std::set<std::string> patches = {"Damaged.mdb", "Spring.mdb", "Summer.mdb"};
-  static const std::set<std::string> hiddenByDataPath[] = {
+  static const std::vector<std::set<std::string>> hiddenByDataPath = {
       patches, {"Steel.mdb"}, {"QuillRules"}, {"QuillCurrentProject"}};
   const std::string& function = call.function;
   const bool reads = function == "RegOpenKeyExW" || function == "RegQueryValueExW";
@@ -239,10 +239,10 @@ std::set<std::string> HiddenBy(const WholeLaunch& whole, const LaunchCall& call)
     int number = 0;
     for (size_t i = 0; i <= call.lineIndex; ++i)
       number += whole.outcome.diary[i].starts_with("RegOpenKeyExW(HKLM") &&
-                        Holds(whole.outcome.diary[i + 1], "\"DataPath\"")
+                        Holds(whole.outcome.diary.at(i + 1), "\"DataPath\"")
                     ? 1
                     : 0;
-    return hiddenByDataPath[number - 1];
+    return hiddenByDataPath.at(static_cast<size_t>(number) - 1);
   }
   // The user's connections come first; one that is not among them is asked of the machine.
   if (value == "QuillProfiles2010")
@@ -334,35 +334,48 @@ Lines ExpectedRepairs(const WholeLaunch& whole, const LaunchCall& call)
   return repairs;
 }
 
-// How many values of the registry differ from those of a whole launch.
-int DifferingValues(const LaunchOutcome& whole, const LaunchOutcome& outcome)
+// The values of the registry that differ from those of a whole launch: `key\value`.
+std::set<std::string> DifferingValues(const LaunchOutcome& whole, const LaunchOutcome& outcome)
 {
-  int differing = 0;
+  std::set<std::string> differing;
   for (const auto& [name, value] : whole.registry) {
     const auto found = outcome.registry.find(name);
     if (found == outcome.registry.end() || found->second != value)
-      ++differing;
+      differing.insert(name);
   }
   for (const auto& [name, value] : outcome.registry) {
     if (!whole.registry.contains(name))
-      ++differing;
+      differing.insert(name);
   }
   return differing;
 }
 
-int AllowedDifferences(const WholeLaunch& whole, const LaunchCall& call)
+// The value that this call or the next one like it writes.
+std::string ValueWritten(const WholeLaunch& whole, const LaunchCall& call)
+{
+  const Lines& diary = whole.outcome.diary;
+  for (size_t i = call.lineIndex; i < diary.size(); ++i) {
+    if (diary[i].starts_with("RegSetValueExW(")) {
+      const size_t begin = diary[i].find('"') + 1;
+      return diary[i].substr(begin, diary[i].find('"', begin) - begin);
+    }
+  }
+  return "";
+}
+
+// True if the failure of a call may leave out this value, or make it another one.
+bool MayDiffer(const WholeLaunch& whole, const LaunchCall& call, const std::string& name)
 {
   const std::string& function = call.function;
-  constexpr int demandLoadValues = 18;
-  constexpr int loaders = 4;
   if (function == "RegSetValueExW" || function == "RegCreateKeyExW")
-    return 1;
+    return name.ends_with("\\" + ValueWritten(whole, call));
   if (function == "SHGetSpecialFolderPathW")
-    return loaders;
+    return name.ends_with("\\LOADER");
   if (function == "RegOpenKeyExW" && Holds(call.line, "(HKCU, \"Software\\Autodesk"))
-    return Holds(call.line, "0xF003F") ? demandLoadValues : 0;
+    return Holds(call.line, "0xF003F") && Holds(name, "Applications\\");
   const bool reads = function == "RegOpenKeyExW" || function == "RegQueryValueExW";
-  return reads && ValueAskedFor(whole, call) == "BinPath" ? 1 : 0;
+  return reads && ValueAskedFor(whole, call) == "BinPath" &&
+         name.ends_with("\\Startup\\Kestrelforge");
 }
 
 // A launch that has chosen its host in another way: there are no more hosts than these.
@@ -378,6 +391,22 @@ void JudgeOtherChoice(const LaunchOutcome& outcome, Sentences& faults)
   }
 }
 
+// What a launch does for whichever host it has chosen.
+void JudgeRest(const WholeLaunch& whole, const LaunchOutcome& outcome, Sentences& faults)
+{
+  if (outcome.started.empty())
+    return;
+  if (outcome.path != whole.outcome.path)
+    faults.push_back("PATH is " + outcome.path);
+  if (Repairs(outcome.diary) != Repairs(whole.outcome.diary))
+    faults.push_back("Not the repairs that are due.");
+  if (outcome.traces != whole.outcome.traces)
+    faults.push_back("The traces differ.");
+  if (outcome.started == whole.outcome.started && !DifferingValues(whole.outcome, outcome).empty())
+    faults.push_back("The registry differs.");
+  Append(faults, ExpectedDatabases(whole.outcome.databases).Judge(outcome.databases));
+}
+
 void JudgeUnharmed(const WholeLaunch& whole, const LaunchCall& call, const LaunchOutcome& outcome,
                    Sentences& faults)
 {
@@ -385,10 +414,10 @@ void JudgeUnharmed(const WholeLaunch& whole, const LaunchCall& call, const Launc
     faults.push_back("PATH is " + outcome.path);
   if (Repairs(outcome.diary) != ExpectedRepairs(whole, call))
     faults.push_back("Not the repairs that are due.");
-  const int differing = DifferingValues(whole.outcome, outcome);
-  const int allowed = AllowedDifferences(whole, call);
-  if (differing > allowed)
-    faults.push_back(std::to_string(differing) + " values of the registry differ.");
+  for (const std::string& name : DifferingValues(whole.outcome, outcome)) {
+    if (!MayDiffer(whole, call, name))
+      faults.push_back("A value of the registry differs: " + name);
+  }
   const bool sameHost = call.function != "CreateProcessW" && outcome.path == whole.outcome.path &&
                         !Holds(call.line, "plan.dwg");
   if (sameHost && outcome.started != whole.outcome.started)
@@ -420,6 +449,77 @@ DatabaseContent VersionsOf(const DatabaseContent& patch)
       versions[table] = rows;
   }
   return versions;
+}
+
+// All that the calls of ODBC have no part in.
+void JudgeWithoutUpdate(const WholeLaunch& whole, const LaunchOutcome& outcome, Sentences& faults)
+{
+  if (outcome.started != whole.outcome.started)
+    faults.push_back("Another host was started, or in another way.");
+  if (outcome.registry != whole.outcome.registry)
+    faults.push_back("The registry differs.");
+  if (Repairs(outcome.diary) != Repairs(whole.outcome.diary))
+    faults.push_back("Not the repairs that are due.");
+}
+
+// PATH as it was, and all that its change can make of it.
+std::set<std::string> KnownPaths(const WholeLaunch& whole)
+{
+  return {whole.outcome.path, "C:\\Windows;D:\\Tools;C:\\Norvane\\Kestrelforge;D:\\OLD~1",
+          "c:\\windows;d:\\tools;", "C:\\Forge64\\Bin;c:\\windows;d:\\tools;d:\\old~1;"};
+}
+
+// Failures of these keep nothing from the databases, however many there are.
+bool IsHarmless(const FailureKind& kind)
+{
+  static const std::set<std::string> functions = {
+      "SQLCloseCursor", "SQLFreeHandle",           "SQLDisconnect",           "RegSetValueExW",
+      "RegCloseKey",    "RegEnumValueW",           "MsiReinstallProductW",    "FindClose",
+      "CloseHandle",    "GetModuleFileNameExA",    "GetFileVersionInfoSizeA", "GetFileVersionInfoA",
+      "VerQueryValueA", "GetEnvironmentVariableW", "SetEnvironmentVariableW", "GetLongPathNameW",
+      "CreateProcessW", "SHGetSpecialFolderPathA", "SHGetSpecialFolderPathW"};
+  return functions.contains(kind.function) || kind.form == " with info";
+}
+
+// True if a step writes to the table.
+bool IsTarget(const WholeLaunch& whole, const std::string& database, const std::string& table)
+{
+  return std::any_of(whole.steps.begin(), whole.steps.end(), [&](const LaunchStep& step) {
+    return step.database == database && step.table == table;
+  });
+}
+
+// What the databases may hold behind any number of failures of one kind.
+ExpectedDatabases ExpectForGood(const WholeLaunch& whole, const FailureKind& kind)
+{
+  // All that a row may be: from the start, from any of the patches, or, if something could not be
+  // read, of values from there. What has lost its version takes that of any patch.
+  std::vector<const ExpectedDatabases::Contents*> known = {&whole.before, &whole.outcome.databases,
+                                                           &ContentsInEnglish(whole)};
+  std::vector<ExpectedDatabases::Contents> versions;
+  for (const std::string patch : {"Spring.mdb", "Summer.mdb", "Steel.mdb"}) {
+    known.push_back(&ContentsWithout(whole, {patch}));
+    versions.emplace_back();
+    for (const std::string& database : RichDatabases())
+      versions.back()[database] = VersionsOf(whole.before.at(patch));
+  }
+  for (const ExpectedDatabases::Contents& contents : versions)
+    known.push_back(&contents);
+  ExpectedDatabases expected(whole.outcome.databases);
+  for (const auto& [database, content] : whole.outcome.databases) {
+    const DatabaseContent& before = whole.before.at(database);
+    for (const auto& [table, rows] : content) {
+      const bool isStar = database == "QuillRules" && table.starts_with("Grade");
+      const bool isWritten = table.ends_with("Version") || IsTarget(whole, database, table);
+      if (!isWritten || (IsHarmless(kind) && !(isStar && IsOdbc(kind))))
+        continue;
+      // What was there is missing only if it was to be made anew.
+      if (!before.contains(table) || table == "Shapes")
+        expected.AllowAbsence(database, table);
+      expected.AllowKnownValues(database, table, known);
+    }
+  }
+  return expected;
 }
 
 // Each database of the product is opened, whether there is one or not, and each file that a search
@@ -468,8 +568,10 @@ Sentences JudgeOnce(const WholeLaunch& whole, const LaunchCall& call, const Fail
   }
   if (EndsTheRun(call))
     return faults;
-  if (IsChoiceOfHost(whole, call)) {
+  // A key that can't be closed changes nothing.
+  if (IsChoiceOfHost(whole, call) && call.function != "RegCloseKey") {
     JudgeOtherChoice(outcome, faults);
+    JudgeRest(whole, outcome, faults);
     if (LeadsToTheHost(whole, call) && !outcome.started.empty())
       faults.push_back("A host was started whose keys could not be opened.");
     return faults;
@@ -485,35 +587,11 @@ Sentences JudgeForGood(const WholeLaunch& whole, const FailureKind& kind,
 {
   Sentences faults = JudgeAlways(whole, outcome);
   JudgeOtherChoice(outcome, faults);
-  if (IsOdbc(kind) && outcome.path != whole.outcome.path)
+  if (IsOdbc(kind))
+    JudgeWithoutUpdate(whole, outcome, faults);
+  if (!KnownPaths(whole).contains(outcome.path))
     faults.push_back("PATH is " + outcome.path);
-  if (!whole.machine.withDatabases)
-    return faults;
-  // All that a row may be: from the start, from any of the patches, or, if something could not be
-  // read, of values from there. What has lost its version takes that of any patch.
-  std::vector<const ExpectedDatabases::Contents*> known = {&whole.before, &whole.outcome.databases,
-                                                           &ContentsInEnglish(whole)};
-  std::vector<ExpectedDatabases::Contents> versions;
-  for (const std::string patch : {"Spring.mdb", "Summer.mdb", "Steel.mdb"}) {
-    known.push_back(&ContentsWithout(whole, {patch}));
-    versions.emplace_back();
-    for (const std::string& database : RichDatabases())
-      versions.back()[database] = VersionsOf(whole.before.at(patch));
-  }
-  for (const ExpectedDatabases::Contents& contents : versions)
-    known.push_back(&contents);
-  ExpectedDatabases expected(whole.outcome.databases);
-  const bool harmless = kind.form == " with info" || kind.function == "SQLCloseCursor" ||
-                        kind.function == "SQLFreeHandle" || kind.function == "SQLDisconnect";
-  for (const auto& [database, content] : whole.outcome.databases) {
-    for (const auto& [table, rows] : content) {
-      const bool isStar = database == "QuillRules" && table.starts_with("Grade");
-      if (harmless && !isStar)
-        continue;
-      expected.AllowAbsence(database, table);
-      expected.AllowKnownValues(database, table, known);
-    }
-  }
-  Append(faults, expected.Judge(outcome.databases));
+  if (whole.machine.withDatabases)
+    Append(faults, ExpectForGood(whole, kind).Judge(outcome.databases));
   return faults;
 }

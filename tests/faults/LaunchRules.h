@@ -14,12 +14,15 @@ using Sentences = std::vector<std::string>;
 // left to the end of the process; and each database is sound.
 Sentences JudgeAlways(const WholeLaunch& whole, const LaunchOutcome& outcome);
 
-// What one call that fails may change, and that it changes nothing else.
+// What one call that fails may change, and that it changes nothing else. If it had a part in the
+// choice of the host, another one may be started; the rest is done for that one.
 Sentences JudgeOnce(const WholeLaunch& whole, const LaunchCall& call, const FailureKind& kind,
                     const LaunchOutcome& outcome);
 
-// The same if a call and all that follow it fail in this way. Databases hold what they may hold
-// with some of the patches.
+// The same if a call and all that follow it fail in this way. Functions that keep nothing from the
+// databases leave them as in a whole launch. Behind others, tables that no step and no version is
+// written to are as they were; the rest hold no value that neither they nor a patch had, and only
+// what was to be made anew may be missing. Calls of ODBC change nothing else.
 Sentences JudgeForGood(const WholeLaunch& whole, const FailureKind& kind,
                        const LaunchOutcome& outcome);
 

@@ -1,6 +1,7 @@
 // Launches over a driver that does its work and answers oddly.
 #include "tests/doubles/Diary.h"
 #include "tests/faults/DiaryLine.h"
+#include "tests/faults/FailureKinds.h"
 #include "tests/faults/OddOdbc.h"
 #include "tests/faults/RunCount.h"
 #include "tests/faults/Watchdog.h"
@@ -14,12 +15,6 @@
 namespace {
 
 using Lines = std::vector<std::string>;
-
-// All calls of ODBC that a launch makes.
-const char* const Functions[] = {"SQLAllocHandle",    "SQLSetEnvAttr", "SQLSetConnectAttrW",
-                                 "SQLDriverConnectW", "SQLDisconnect", "SQLFreeHandle",
-                                 "SQLExecDirectW",    "SQLColumnsW",   "SQLTablesW",
-                                 "SQLBindCol",        "SQLFetch",      "SQLCloseCursor"};
 
 LaunchOutcome RunLaunch(const RichMachine& machine)
 {
@@ -180,7 +175,7 @@ constexpr SQLUSMALLINT NullableColumn = 11;
 
 TEST(OddDriver, SuccessWithInformationIsSuccessAndListsOfTablesAreTheException)
 {
-  for (const std::string function : Functions) {
+  for (const std::string& function : OdbcFunctions()) {
     SCOPED_TRACE(function);
     LayOut({});
     FailCallsFrom(function + " with info", 1, SQL_SUCCESS_WITH_INFO);
@@ -196,7 +191,7 @@ TEST(OddDriver, SuccessWithInformationIsSuccessAndListsOfTablesAreTheException)
 TEST(OddDriver, SuccessWithInformationEverywhereIsSuccess)
 {
   LayOut({});
-  for (const std::string function : Functions)
+  for (const std::string& function : OdbcFunctions())
     FailCallsFrom(function + " with info", 1, SQL_SUCCESS_WITH_INFO);
   const LaunchOutcome outcome = RunLaunch({});
   // No list of tables is asked for on a statement that came with information.
@@ -344,8 +339,8 @@ TEST(OddDriver, AColumnNameLongerThanItsBufferIsAnotherName)
     row.FillBuffers();
   };
   const Lines changes = ChangesOf(LaunchOddly(answers));
-  EXPECT_EQ(changes[4], "UPDATE [Parts]  SET [Weight]=4.250000 WHERE [Id]=2");
-  EXPECT_EQ(changes[6], "INSERT INTO [Parts] ([Id],[Weight]) VALUES (4,0.500000);");
+  EXPECT_EQ(changes.at(4), "UPDATE [Parts]  SET [Weight]=4.250000 WHERE [Id]=2");
+  EXPECT_EQ(changes.at(6), "INSERT INTO [Parts] ([Id],[Weight]) VALUES (4,0.500000);");
 }
 
 TEST(OddDriver, ATypeThatHasNoLiteralLeavesAHoleInItsStatements)
@@ -360,8 +355,8 @@ TEST(OddDriver, ATypeThatHasNoLiteralLeavesAHoleInItsStatements)
     };
     const LaunchOutcome outcome = LaunchOddly(answers);
     const Lines changes = ChangesOf(outcome);
-    EXPECT_EQ(changes[4], "UPDATE [Parts]  SET [Name]=,[Weight]=4.250000 WHERE [Id]=2");
-    EXPECT_EQ(changes[5], "INSERT INTO [Parts] ([Id],[Name],[Weight]) VALUES (2,,4.250000);");
+    EXPECT_EQ(changes.at(4), "UPDATE [Parts]  SET [Name]=,[Weight]=4.250000 WHERE [Id]=2");
+    EXPECT_EQ(changes.at(5), "INSERT INTO [Parts] ([Id],[Name],[Weight]) VALUES (2,,4.250000);");
     EXPECT_EQ(outcome.databases.at("QuillRules").at("Parts"),
               (Lines{"Id LONG not null key,Name TEXT(30),Weight DOUBLE", "1|'bolt'|1.5",
                      "2|'plate'|2.5"}));
@@ -376,7 +371,7 @@ TEST(OddDriver, OnlyANullabilityOfOneIsOne)
     OddAnswers answers;
     answers.fetched = [nullable](FetchedRow& row) { row.SetNumber(NullableColumn, nullable); };
     const Lines changes = ChangesOf(LaunchOddly(answers));
-    EXPECT_EQ(changes[8],
+    EXPECT_EQ(changes.at(8),
               "CREATE TABLE Shapes ([Id] LONG NOT NULL ,[Name] TEXT(20) NOT NULL,PRIMARY KEY "
               "([Id]));")
         << nullable;

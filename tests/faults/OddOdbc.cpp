@@ -194,13 +194,6 @@ void FetchedRow::SetNull(SQLUSMALLINT column)
   *binding->lengthWord = SQL_NULL_DATA;
 }
 
-void FetchedRow::SetLength(SQLUSMALLINT column, SQLLEN length)
-{
-  const OddBinding* binding = Find(column);
-  if (binding != nullptr)
-    *binding->lengthWord = length;
-}
-
 void FetchedRow::SetLengths(SQLLEN length)
 {
   for (auto& [column, binding] : bound)

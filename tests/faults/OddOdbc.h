@@ -46,7 +46,6 @@ public:
   void SetNumber(SQLUSMALLINT column, int number);
   // Leaves in the buffer what was there before.
   void SetNull(SQLUSMALLINT column);
-  void SetLength(SQLUSMALLINT column, SQLLEN length);
   void SetLengths(SQLLEN length);
   // As if the driver had not written the length words.
   void ForgetLengths();

@@ -180,7 +180,12 @@ std::string FileOf(const std::string& name)
     return "C:\\Data\\Kernel\\Data\\model.mdb";
   if (name == "Steel.mdb")
     return ProjectFolder + name;
-  return name.ends_with(".mdb") ? PatchFolder + name : "C:\\Data\\Bases\\" + name + ".mdb";
+  return IsPatch(name) ? PatchFolder + name : "C:\\Data\\Bases\\" + name + ".mdb";
+}
+
+bool IsPatch(const std::string& name)
+{
+  return name.ends_with(".mdb");
 }
 
 const std::vector<std::string>& RichDatabases()

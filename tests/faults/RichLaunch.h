@@ -87,6 +87,9 @@ LaunchOutcome LaunchOn(const RichMachine& machine);
 // Path of a database of the product or of a patch, by its name.
 std::string FileOf(const std::string& name);
 
+// True for a patch's name.
+bool IsPatch(const std::string& name);
+
 // The databases of the product that the whole machine has.
 const std::vector<std::string>& RichDatabases();
 

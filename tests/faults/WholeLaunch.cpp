@@ -4,6 +4,7 @@
 #include "tests/doubles/FilesDouble.h"
 #include "tests/faults/Content.h"
 #include "tests/faults/DiaryLine.h"
+#include "tests/faults/Watchdog.h"
 
 #include <stdlib.h>
 
@@ -20,11 +21,6 @@ std::string DatabaseOf(const std::string& connectionString)
       return name;
   }
   return "";
-}
-
-bool IsPatch(const std::string& database)
-{
-  return database.ends_with(".mdb");
 }
 
 // What the diary of a launch says about the handles in it.
@@ -186,7 +182,10 @@ WholeLaunch RunWhole(HostRoute route)
     call.lineIndex = Diary().size();
     calls.push_back(call);
   });
-  launch.outcome = TakeOutcome(Launch(launch.machine));
+  {
+    const Watchdog watchdog("whole launch");
+    launch.outcome = TakeOutcome(Launch(launch.machine));
+  }
   const Reader reader(launch);
   for (auto& [function, calls] : launch.calls) {
     for (LaunchCall& call : calls)
@@ -220,5 +219,8 @@ const LaunchOutcome& ReferenceLaunch(const RichMachine& machine)
   static std::map<std::string, LaunchOutcome> outcomes;
   const std::string key = KeyOf(machine);
   const auto found = outcomes.find(key);
-  return found != outcomes.end() ? found->second : outcomes[key] = LaunchOn(machine);
+  if (found != outcomes.end())
+    return found->second;
+  const Watchdog watchdog("launch without a failure: " + key);
+  return outcomes[key] = LaunchOn(machine);
 }

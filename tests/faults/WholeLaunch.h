@@ -15,7 +15,7 @@ struct LaunchCall
   std::string database;   // whose handle is used, "QuillRules" or "Spring.mdb"; empty if missing
   std::string statement;  // SQL text, "columns of TABLE" or "tables"; empty for other handles
   bool isLookup = false;  // one row of the catalogue is asked for, to see whether there is any
-  int place = 0;          // of a fetch or a binding: which one of this statement
+  int place = 0;          // of a fetch: which one of this statement
   int column = 0;         // of a binding: of the result
   int step = -1;          // in WholeLaunch::steps; -1 outside all of them
 };

@@ -2,6 +2,8 @@
 
 #include "tests/doubles/Diary.h"
 #include "tests/doubles/LiveOdbc.h"
+#include "tests/faults/DiaryLine.h"
+#include "tests/faults/Watchdog.h"
 #include "tests/memory/ProgramMemory.h"
 #include "tests/unit/update/LeftToTheEnd.h"
 
@@ -70,20 +72,6 @@ void ExpectSameLines(const Lines& lines, const Lines& expected)
     ADD_FAILURE() << "missing: " << expected[count];
 }
 
-// The text between the quotes of a diary's line.
-std::string QuotedPart(const std::string& line)
-{
-  const size_t begin = line.find('"') + 1;
-  return line.substr(begin, line.rfind('"') - begin);
-}
-
-// `dbc#1` out of "SQLDriverConnectW(dbc#1, ..." and the like.
-std::string FirstArgument(const std::string& line)
-{
-  const size_t begin = line.find('(') + 1;
-  return line.substr(begin, line.find_first_of(",)", begin) - begin);
-}
-
 // A statement that changes a database, and the path of that.
 struct Change
 {
@@ -97,17 +85,13 @@ std::vector<Change> ChangesOf(const Lines& diary)
   std::vector<Change> changes;
   for (const std::string& line : diary) {
     if (line.starts_with("SQLDriverConnectW(")) {
-      const std::string text = QuotedPart(line);
-      owners[FirstArgument(line)] = text.substr(text.rfind('=') + 1);
+      const std::string text = QuotedIn(line);
+      owners[HandleIn(line)] = text.substr(text.rfind('=') + 1);
     }
-    const size_t statement = line.rfind(" stmt#");
-    if (line.starts_with("SQLAllocHandle(STMT, dbc#") && statement != std::string::npos) {
-      const size_t connection = line.find("dbc#");
-      owners[line.substr(statement + 1)] =
-          owners[line.substr(connection, line.find(')') - connection)];
-    }
-    if (line.starts_with("SQLExecDirectW(") && !QuotedPart(line).starts_with("SELECT "))
-      changes.push_back({owners[FirstArgument(line)], QuotedPart(line)});
+    if (line.starts_with("SQLAllocHandle(STMT, "))
+      owners[GivenHandleIn(line)] = owners[HandleIn(line)];
+    if (line.starts_with("SQLExecDirectW(") && !QuotedIn(line).starts_with("SELECT "))
+      changes.push_back({owners[HandleIn(line)], QuotedIn(line)});
   }
   return changes;
 }
@@ -166,7 +150,7 @@ void ExpectBrokenUpdate(const LaunchCourse& whole, const LaunchCourse& broken)
   const Lines& diary = broken.outcome.diary;
   const size_t trace = FirstOf(diary, CriticalLine);
   ASSERT_LT(trace, diary.size()) << "No trace of an update that broke off.";
-  ASSERT_EQ(diary[trace - 1], "OutputDebugStringW(\"\n\")");
+  ASSERT_EQ(diary.at(trace - 1), "OutputDebugStringW(\"\n\")");
   Lines before = Part(diary, 0, trace - 1);
   // A patch that fails behind its connection is closed by itself.
   const size_t closed = FirstOf(before, "SQLDisconnect(");
@@ -179,6 +163,7 @@ void ExpectBrokenUpdate(const LaunchCourse& whole, const LaunchCourse& broken)
   ExpectRest(whole, broken, Part(diary, trace + 1, diary.size()));
   EXPECT_EQ(broken.outcome.openKeys, whole.outcome.openKeys);
   EXPECT_EQ(broken.outcome.started, whole.outcome.started);
+  EXPECT_EQ(broken.outcome.exitCode, 0);
   EXPECT_EQ(broken.outcome.openStreams, 0);
   EXPECT_LE(broken.outcome.openSearches, 1);
 }
@@ -187,6 +172,7 @@ void ExpectBrokenUpdate(const LaunchCourse& whole, const LaunchCourse& broken)
 
 LaunchCourse LaunchOutOfMemory(const RichMachine& machine, size_t n)
 {
+  const Watchdog watchdog("the failing allocation is " + std::to_string(n) + ", with 0 none");
   LaunchCourse course;
   const size_t allocations = ProgramAllocations();
   const size_t blocks = ProgramBlocks();

@@ -1,11 +1,10 @@
 // Launches in which one allocation of the program fails, each in its turn.
 #include "tests/doubles/Diary.h"
+#include "tests/faults/RunCount.h"
 #include "tests/faults/Sample.h"
 #include "tests/memory/LaunchCourse.h"
 
 #include <gtest/gtest.h>
-
-#include <stdio.h>
 
 namespace {
 
@@ -14,11 +13,7 @@ using Lines = std::vector<std::string>;
 class LaunchMemory : public testing::Test
 {
 protected:
-  // For scripts.
-  static void TearDownTestSuite()
-  {
-    (void)printf("runs: inside %d\nruns: outside %d\nruns: malloc %d\n", inside, outside, malloced);
-  }
+  static void TearDownTestSuite() { PrintRunCounts(); }
 
   void TearDown() override { ResetPlatform(); }
 
@@ -29,23 +24,20 @@ protected:
     const ReferenceCourse reference = LaunchWithMemory(machine);
     ASSERT_EQ(reference.course.outcome.started.size(), 1u);
     const size_t all = reference.course.allocations;
+    ASSERT_GT(all, 0u);
     for (const size_t place : ChosenPlaces(all, wanted)) {
       SCOPED_TRACE("allocation " + std::to_string(place + 1) + " of " + std::to_string(all));
       LayOut(machine);
       const LaunchCourse broken = LaunchOutOfMemory(machine, place + 1);
       ASSERT_TRUE(broken.failed);
-      ++(broken.ended ? outside : inside);
       ExpectBrokenOff(reference, broken);
       if (HasFailure())
         return;
+      CountRun(broken.ended ? "outside" : "inside");
     }
     LayOut(machine);
     EXPECT_FALSE(LaunchOutOfMemory(machine, all + 1).failed);
   }
-
-  static inline int inside = 0;
-  static inline int outside = 0;
-  static inline int malloced = 0;
 };
 
 // What remains of a diary without the reading of versions and the repairs.
@@ -103,7 +95,7 @@ TEST_F(LaunchMemory, AVersionThatFindsNoMemoryCountsAsNoneAndTheLaunchGoesOn)
     LayOut(WithoutDatabases());
     FailCall("malloc", n);
     const LaunchCourse course = LaunchOutOfMemory(WithoutDatabases());
-    ++malloced;
+    EXPECT_EQ(course.outcome.exitCode, 0);
     EXPECT_EQ(course.outcome.misuses, Lines());
     EXPECT_EQ(WithoutRepair(course.outcome.diary), WithoutRepair(whole.outcome.diary));
     // A loader that isn't known to be outdated: files are not replaced.
@@ -111,6 +103,7 @@ TEST_F(LaunchMemory, AVersionThatFindsNoMemoryCountsAsNoneAndTheLaunchGoesOn)
     ASSERT_EQ(repairs.size(), 2u);
     EXPECT_TRUE(repairs[0].ends_with(", 0x100) = 0")) << repairs[0];
     EXPECT_EQ(course.blocks, whole.blocks);
+    CountRun("malloc");
   }
 }
 

@@ -2,34 +2,13 @@
 #define SCENARIO_NATIVEMACHINE_H
 
 #include "tests/scenario/Outcome.h"
-
-#include <windows.h>
-// The ODBC headers build on the one above.
-#include <sql.h>
-#include <sqlext.h>
+#include "tests/scenario/OwnConnection.h"
 
 #include <memory>
 #include <vector>
 
 // The names of the product's databases, in their order.
 std::vector<std::string> ProductNames();
-
-// A connection of the test's own, beside those of the update.
-class OwnConnection
-{
-public:
-  // Makes the database if there is none.
-  explicit OwnConnection(const std::string& path);
-  OwnConnection(const OwnConnection&) = delete;
-  OwnConnection& operator=(const OwnConnection&) = delete;
-  ~OwnConnection();
-
-  SQLRETURN Execute(const std::string& sql);
-
-private:
-  SQLHENV environment = SQL_NULL_HENV;
-  SQLHDBC connection = SQL_NULL_HDBC;
-};
 
 // The machine of a scenario, made of the doubles and of real databases: all of the product's, those
 // that the scenario doesn't name with versions above those of all patches.
