@@ -2,6 +2,7 @@
 
 #include "tests/doubles/Text.h"
 #include "tests/scenario/Outcome.h"
+#include "tests/scenario/OwnConnection.h"
 
 namespace {
 
@@ -56,17 +57,9 @@ std::string CreateText(const std::string& table)
 class ExpectedUpdate::Target
 {
 public:
-  Target(const std::string& databaseName, const std::string& path) : name(databaseName)
+  Target(const std::string& databaseName, const std::string& path)
+      : name(databaseName), connection(path)
   {
-    WideText text(ConnectionStringOf(path));
-    (void)SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment);
-    (void)SQLSetEnvAttr(environment, SQL_ATTR_ODBC_VERSION,
-                        reinterpret_cast<SQLPOINTER>(uintptr_t{SQL_OV_ODBC3}), SQL_IS_INTEGER);
-    (void)SQLAllocHandle(SQL_HANDLE_DBC, environment, &connection);
-    EXPECT_EQ(SQLDriverConnectW(connection, nullptr, text.data(), SQL_NTS, nullptr, 0, nullptr,
-                                SQL_DRIVER_NOPROMPT),
-              SQL_SUCCESS)
-        << path;
     version = {Number("KFVersion", "MajorNumber").value_or(0),
                Number("KFVersion", "MinorNumber").value_or(0),
                Number("KFVersion", "CommSPNumber").value_or(0),
@@ -75,24 +68,8 @@ public:
       projects[attribute] =
           HasTable("KFProjectsVersion") ? Number("KFProjectsVersion", attribute) : std::nullopt;
   }
-  ~Target()
-  {
-    (void)SQLDisconnect(connection);
-    (void)SQLFreeHandle(SQL_HANDLE_DBC, connection);
-    (void)SQLFreeHandle(SQL_HANDLE_ENV, environment);
-  }
-  Target(const Target&) = delete;
-  Target& operator=(const Target&) = delete;
 
-  SQLRETURN Execute(const std::string& sql)
-  {
-    SQLHSTMT statement = SQL_NULL_HSTMT;
-    WideText text(sql);
-    (void)SQLAllocHandle(SQL_HANDLE_STMT, connection, &statement);
-    const SQLRETURN code = SQLExecDirectW(statement, text.data(), SQL_NTS);
-    (void)SQLFreeHandle(SQL_HANDLE_STMT, statement);
-    return code;
-  }
+  SQLRETURN Execute(const std::string& sql) { return connection.Execute(sql); }
 
   std::string Content()
   {
@@ -132,7 +109,7 @@ private:
     SQLHSTMT statement = SQL_NULL_HSTMT;
     SQLLEN length = 0;
     WideText text(sql);
-    (void)SQLAllocHandle(SQL_HANDLE_STMT, connection, &statement);
+    (void)SQLAllocHandle(SQL_HANDLE_STMT, connection.Handle(), &statement);
     EXPECT_EQ(SQLExecDirectW(statement, text.data(), SQL_NTS), SQL_SUCCESS) << sql;
     (void)SQLBindCol(statement, 1, SQL_C_WCHAR, value.data(),
                      static_cast<SQLLEN>(value.size() * sizeof(SQLWCHAR)), &length);
@@ -149,9 +126,8 @@ private:
     return values.empty() ? std::nullopt : std::optional(std::stoi(values.front()));
   }
 
+  OwnConnection connection;
   std::map<std::string, std::optional<int>> projects;
-  SQLHENV environment = SQL_NULL_HENV;
-  SQLHDBC connection = SQL_NULL_HDBC;
 };
 
 ExpectedUpdate::ExpectedUpdate(const std::function<std::string(const std::string& name)>& file,

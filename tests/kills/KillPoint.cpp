@@ -2,6 +2,8 @@
 // (--wrap).
 #include "tests/kills/KillPoint.h"
 
+#include "tests/faults/Watchdog.h"
+
 #include <windows.h>
 // The ODBC headers build on the one above.
 #include <sql.h>
@@ -70,6 +72,7 @@ bool IsKilledAt(const KillPoint& point, const std::function<void()>& work)
 {
   const pid_t child = fork();
   if (child == 0) {
+    const Watchdog watchdog("to be killed at call " + std::to_string(point.call));
     calls = 0;
     armed = point;
     work();

@@ -1,39 +1,55 @@
 // Updates that are killed: what is in the databases then, and what the next start makes of it.
-// Every n-th call is such a moment, in the long form (KESTREL_LONG=1) each of them.
+// Some calls are such moments, in the long form (KESTREL_LONG=1) each of them.
 #include "tests/doubles/FilesDouble.h"
+#include "tests/faults/RunCount.h"
+#include "tests/faults/Sample.h"
+#include "tests/faults/Watchdog.h"
 #include "tests/kills/ExpectedUpdate.h"
 #include "tests/kills/KillPoint.h"
 #include "tests/kills/StoredContent.h"
 #include "update/DatabaseUpdateManager.h"
 
-#include <stdio.h>
-#include <stdlib.h>
+#include <algorithm>
+#include <set>
 
 namespace {
 
-bool IsLongForm()
+bool Contains(const std::string& line, const std::string& text)
 {
-  const char* const wish = getenv("KESTREL_LONG");
-  return wish != nullptr && std::string(wish) == "1";
+  return line.find(text) != std::string::npos;
 }
 
 bool OnlyReads(const std::string& line)
 {
-  return line.find(": SELECT ") != std::string::npos && !line.starts_with("trace: ");
+  return Contains(line, ": SELECT ") && !line.starts_with("trace: ");
 }
 
 // An update that nobody disturbed.
 struct WholeUpdate
 {
-  // How many statements that change something have been sent before each call at which a process
-  // may be killed, and in the end.
+  std::vector<std::string> calls;  // at which a process may be killed
+  // How many statements that change something have been sent before each of these calls, and in the
+  // end.
   std::vector<size_t> sent;
   std::vector<Contents> states;  // before the first of these statements and after each
 
-  int Calls() const { return static_cast<int>(sent.size()) - 1; }
+  int Calls() const { return static_cast<int>(calls.size()); }
   const Contents& StateAt(const KillPoint& point) const
   {
-    return states[sent[static_cast<size_t>(point.call - (point.isAfter ? 0 : 1))]];
+    return states.at(sent.at(static_cast<size_t>(point.call - (point.isAfter ? 0 : 1))));
+  }
+  // Some of the calls, or all, counted from 1. Among them are the last one and the first behind a
+  // DROP: before that one a table is gone, after it a new one is empty.
+  std::set<int> ChosenCalls() const
+  {
+    std::set<int> chosen = {Calls()};
+    for (const size_t place : ChosenPlaces(calls.size(), 9))
+      chosen.insert(static_cast<int>(place) + 1);
+    const auto drop = std::find_if(calls.begin(), calls.end(), [](const std::string& call) {
+      return Contains(call, "\"DROP TABLE ");
+    });
+    chosen.insert(static_cast<int>(drop - calls.begin()) + 2);
+    return chosen;
   }
 };
 
@@ -49,7 +65,7 @@ protected:
     laidOut = AllFiles();
   }
 
-  static void TearDownTestSuite() { printf("%d kills in all\n", kills); }
+  static void TearDownTestSuite() { PrintRunCounts(); }
 
   // Puts the files in the place of those that there are.
   static void Restore(const FileBytes& files)
@@ -70,14 +86,12 @@ protected:
       EXPECT_EQ(StoredContent(ProductFile(name)), content) << name;
   }
 
-  // Out of the diary of an update, as WholeUpdate::sent.
-  static std::vector<size_t> SentBeforeCalls()
+  // As WholeUpdate::sent.
+  static std::vector<size_t> SentBefore(const Lines& calls)
   {
     std::vector<size_t> before = {0};
-    for (const std::string& line :
-         DiaryOf({"SQLDriverConnectW", "SQLExecDirectW", "SQLDisconnect"})) {
-      const bool changes =
-          line.starts_with("SQLExecDirectW(") && line.find(", \"SELECT ") == std::string::npos;
+    for (const std::string& call : calls) {
+      const bool changes = call.starts_with("SQLExecDirectW(") && !Contains(call, ", \"SELECT ");
       before.push_back(before.back() + (changes ? 1 : 0));
     }
     return before;
@@ -86,6 +100,7 @@ protected:
   // Lets an update go its way on the machine as it is, and compares all that it did with the rules.
   static WholeUpdate RunUndisturbed(bool keepsStates)
   {
+    const Watchdog watchdog("an undisturbed update");
     WholeUpdate update;
     const FileBytes before = AllFiles();
     Lines expected;
@@ -102,7 +117,8 @@ protected:
     }
     EXPECT_EQ(changes, expected);
     ExpectStored(update.states.back());
-    update.sent = SentBeforeCalls();
+    update.calls = DiaryOf({"SQLDriverConnectW", "SQLExecDirectW", "SQLDisconnect"});
+    update.sent = SentBefore(update.calls);
     EXPECT_EQ(update.states.size(), keepsStates ? update.sent.back() + 1 : 1);
     return update;
   }
@@ -116,7 +132,6 @@ protected:
     Restore(files);
     updatePromptPending = true;
     ASSERT_TRUE(IsKilledAt(point, [] { RunDatabaseUpdate(0, 0); }));
-    ++kills;
     const FileBytes left = AllFiles();
     ExpectStored(whole.StateAt(point));
     ExpectSoundDatabases();
@@ -144,10 +159,7 @@ protected:
   }
 
   FileBytes laidOut;
-  static int kills;
 };
-
-int KilledUpdate::kills = 0;
 
 }  // namespace
 
@@ -155,12 +167,13 @@ TEST_F(KilledUpdate, LeavesWhatWasDoneAndTheNextOneGoesOn)
 {
   const WholeUpdate whole = RunUndisturbed(true);
   ASSERT_FALSE(HasFailure());
-  for (int call = 1; call <= whole.Calls(); call += IsLongForm() ? 1 : 17) {
+  for (const int call : whole.ChosenCalls()) {
     for (const bool isAfter : {false, true}) {
       SCOPED_TRACE(std::to_string(call) + (isAfter ? " after" : " before"));
       Kill(laidOut, whole, {call, isAfter});
       (void)RunUndisturbed(false);
       ASSERT_FALSE(HasFailure());
+      CountRun("points");
     }
   }
 }
@@ -177,6 +190,7 @@ TEST_F(KilledUpdate, MayBeKilledAgain)
       Kill(left, next, {again, false});
       (void)RunUndisturbed(false);
       ASSERT_FALSE(HasFailure());
+      CountRun("killed again");
     }
   }
 }

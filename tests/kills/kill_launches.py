@@ -7,6 +7,7 @@ import argparse
 import os
 import shutil
 import signal
+import subprocess
 import sys
 import tempfile
 
@@ -17,7 +18,7 @@ sys.path += [os.path.join(HERE, "../differential"), os.path.join(HERE, "../soak"
 import odbc
 from databases import all_files, contents, description
 from machine import Machine
-from model import Update
+from updates import update_copy
 
 
 class Statements(list):
@@ -73,21 +74,15 @@ class Kills:
     def __init__(self, machine, killing_driver):
         self.machine, self.killing_driver = machine, killing_driver
         self.temporary = tempfile.TemporaryDirectory(prefix="kestrel-kills-")
-        self.states = self.run_model(machine.laid_out, looks_on=True)[0].states
+        self.states = self.run_model(machine.laid_out, Statements)[0].states
         self.statements = len(self.states) - 1
         self.count = 0
 
-    def run_model(self, folder, looks_on=False):
+    def run_model(self, folder, calls=None):
         """Does what the rules want to be done with these databases, in a copy of their folder.
         Returns the calls, what the databases hold in the end, and the traces."""
         copy = os.path.join(self.temporary.name, "model")
-        shutil.copytree(folder, copy)
-        files = self.machine.product_in(copy)
-        update = Update(copy, self.machine.language, files)
-        if looks_on:
-            update.calls = Statements(update)
-        update.run()
-        update.close()
+        update, files = update_copy(self.machine, folder, copy, calls)
         final = contents(files)
         shutil.rmtree(copy)
         return update.calls, final, "".join(update.traces)
@@ -129,7 +124,7 @@ class Kills:
             self.machine.restore(left)
             shutil.rmtree(left)
             self.check_next_launch()
-        except RuntimeError as error:
+        except (RuntimeError, subprocess.TimeoutExpired) as error:
             sys.exit(f"killed {side} statement {statement}: {error}")
 
     def check_count(self):

@@ -211,7 +211,7 @@ TEST_F(ConfigurationFile, AnElementWithNothingInItIsPassedOver)
 
 TEST_F(ConfigurationFile, AnElementWithoutItsEndRunsIntoTheNext)
 {
-  // The two make one piece, in which the first attributes count.
+  // Up to the end of the second they are read as one, and of its attributes none is new.
   EXPECT_EQ(OpenedWithElements(base + Without(rules, "/>") + gratings),
             (Names{"QuillRules", "QuillBase"}));
 }
