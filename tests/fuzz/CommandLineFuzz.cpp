@@ -231,12 +231,31 @@ void CheckWrites(const Text& loaderPath, const Selection& selection, const Machi
   Require(Registry().OpenHandleCount() <= 2, "all other keys are closed");
 }
 
-void CheckHost(Ending ending, const Selection& selection, const Machine& machine)
+bool HasLongKey(const Selection& selection)
+{
+  return static_cast<size_t>(selection.hostKeyPath.Length()) + LongestTail >= KeyPathLimit;
+}
+
+// Whether a launch without denied rights ends the process: it writes a registration, and the path
+// of one of its keys is too long.
+bool IsFatal(const Selection& selection)
+{
+  const Text keyPath = Plain(selection.hostKeyPath);
+  const auto isUserKey = [](const Text& path) {
+    return Registry().HasKey(HKEY_CURRENT_USER, RegistryView::Native, Utf8Of(path));
+  };
+  return HasLongKey(selection) && selection.hostExecutable.Length() > 0 &&
+         selection.release != HostReleaseUnknown && isUserKey(keyPath) &&
+         !isUserKey(keyPath + u"Applications\\QuillStartupLoader");
+}
+
+void CheckHost(Ending ending, bool isFatal, const Selection& selection, const Machine& machine)
 {
   const std::vector<StartedProcess>& started = Processes().Started();
+  Require(machine.denies || (ending == Ending::Fatal) == isFatal,
+          "a registration with a long key ends the process");
   if (ending == Ending::Fatal) {
-    const size_t length = static_cast<size_t>(selection.hostKeyPath.Length()) + LongestTail;
-    Require(length >= KeyPathLimit, "only a long key ends the process");
+    Require(HasLongKey(selection), "only a long key ends the process");
     Require(started.empty() && updates == 0, "nothing happens behind the end");
     return;
   }
@@ -285,10 +304,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
       CheckFolder(selection);
     // The run may write where this was read.
     const Text loaderPath = PlainLoaderPath(selection);
+    const bool isFatal = IsFatal(selection);
 
     ClearDiary();
     const Ending ending = input.Run([&] { (void)LauncherMain(nullptr, nullptr, arguments, 1); });
-    CheckHost(ending, selection, machine);
+    CheckHost(ending, isFatal, selection, machine);
     CheckWrites(loaderPath, selection, machine);
     Require(ending == Ending::Fatal || TakeMisuses().empty(), "no handle is misused");
     if (ending == Ending::Fatal)

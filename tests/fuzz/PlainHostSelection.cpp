@@ -141,7 +141,7 @@ void SelectCurrent(PlainSelection& selection)
   Locate(selection, withBackslash.substr(0, dash == Text::npos ? 4 : dash));
 }
 
-// Takes the switch and its value out of the line. False if it has no value.
+// Cuts the switch with its value from the line. False if it has no value.
 bool TakeValue(Text& line, Text& value)
 {
   const size_t begin = line.find(u"/AcadVer");

@@ -436,7 +436,8 @@ std::optional<std::string> Built(OneInput& run, const std::string& expected, con
   std::string made;
   const Ending ending = run.Run([&] { made = Utf8(build().Text()); });
   const bool fits = Units(expected) < static_cast<size_t>(QulStringLimit);
-  Require((ending == Ending::Returned) == fits, "what is beyond the limit ends the process");
+  Require(ending == (fits ? Ending::Returned : Ending::Fatal),
+          "what is beyond the limit ends the process, and nothing else does");
   if (!fits)
     return std::nullopt;
   Require(made == expected, "a statement is as the rules have it");
@@ -579,7 +580,8 @@ void CheckAtTheLimit(OneInput& run, const TableColumn& made, const Column& colum
     literal = Utf8(statement.Text() + before);
   });
   const bool fits = Units(column.literal) <= room;
-  Require((ending == Ending::Returned) == fits, "what is beyond the limit ends the process");
+  Require(ending == (fits ? Ending::Returned : Ending::Fatal),
+          "what is beyond the limit ends the process, and nothing else does");
   Require(!fits || literal == column.literal, "what fits is whole");
 }
 

@@ -1,12 +1,17 @@
 // Values of every kind and every column type into buffers of every C type and size: nothing is
-// written behind a buffer's end, and what is in it is the value, told by other means.
+// written behind a buffer's end, and what is in it is the value, told by other means. How moments
+// are read and text becomes wide is what other targets look at.
 
 #include "driver/Conversion.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
+#include <bit>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -90,19 +95,150 @@ struct Number
   double real = 0;
 };
 
+bool AreDigits(std::string_view text)
+{
+  return text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// Whether a text has the form of a decimal number: a minus perhaps, digits with a point among them
+// perhaps, and an exponent perhaps.
+bool HasNumberForm(std::string_view text)
+{
+  if (text.starts_with('-'))
+    text.remove_prefix(1);
+  const size_t exponent = std::min(text.find_first_of("eE"), text.size());
+  if (exponent < text.size()) {
+    std::string_view power = text.substr(exponent + 1);
+    if (power.starts_with('-') || power.starts_with('+'))
+      power.remove_prefix(1);
+    if (power.empty() || !AreDigits(power))
+      return false;
+  }
+  std::string digits(text.substr(0, exponent));
+  const size_t point = digits.find('.');
+  if (point != std::string::npos)
+    digits.erase(point, 1);
+  return !digits.empty() && AreDigits(digits);
+}
+
+// The number that a text with blanks around it and a plus in front of it perhaps shows, as the
+// runtime reads it; nothing if there is none, or none that a double can be.
+std::optional<Number> NumberIn(std::string text)
+{
+  text.erase(0, text.find_first_not_of(' '));
+  text.erase(text.find_last_not_of(' ') + 1);
+  const bool hasPlus = text.starts_with('+');
+  text.erase(0, hasPlus ? 1 : 0);
+  if (!HasNumberForm(text))
+    return std::nullopt;
+  errno = 0;
+  char* end = nullptr;
+  const int64_t integer = std::strtoll(text.c_str(), &end, 10);
+  if (*end == '\0' && errno == 0)
+    return Number{true, integer, 0};
+  const double real = std::strtod(text.c_str(), nullptr);
+  const size_t mantissa = text.find_first_of("eE");
+  const bool isZero = text.substr(0, mantissa).find_first_of("123456789") == std::string::npos;
+  if (std::isinf(real) || (real == 0 && !isZero))
+    return std::nullopt;
+  return Number{false, 0, real};
+}
+
+// The number that a cell is or shows.
 std::optional<Number> NumberOf(const Cell& cell)
 {
   switch (cell.kind) {
     case CellKind::Integer: return Number{true, cell.integer, 0};
     case CellKind::Real: return Number{false, 0, cell.real};
-    case CellKind::Text: {
-      Number number;
-      if (ReadNumber(cell.bytes, number.isInteger, number.integer, number.real))
-        return number;
-      return std::nullopt;
-    }
+    case CellKind::Text: return NumberIn(std::string(cell.bytes));
     default: return std::nullopt;
   }
+}
+
+// Digits that a real number takes at the least.
+size_t DigitsOf(double real)
+{
+  char buffer[64];
+  int precision = 0;
+  do {
+    ++precision;
+    (void)snprintf(buffer, sizeof(buffer), "%.*g", precision, real);
+  } while (std::strtod(buffer, nullptr) != real);
+  return static_cast<size_t>(precision);
+}
+
+// The driver's text of a real number, of which there is more than one, if it is a right one: it
+// shows that number and no other, in no more digits than that takes, and without an exponent where
+// it isn't very large or small.
+std::string CheckedRealText(double real)
+{
+  std::string text = WriteReal(real);
+  if (!std::isfinite(real)) {
+    const std::string sign = std::signbit(real) ? "-" : "";
+    Require(text == sign + (std::isnan(real) ? "nan" : "inf"), "what is no number is named");
+    return text;
+  }
+  const bool isPlain = real == 0 || (std::fabs(real) >= 1e-7 && std::fabs(real) < 1e20);
+  Require(HasNumberForm(text), "a number is written as one");
+  Require((text.find('e') == std::string::npos) == isPlain, "an exponent stands where it must");
+  Require(std::strtod(text.c_str(), nullptr) == real &&
+              std::signbit(std::strtod(text.c_str(), nullptr)) == std::signbit(real),
+          "a number comes back from its text");
+  const std::string digits = text.substr(0, text.find('e'));
+  const size_t first = digits.find_first_of("123456789");
+  const size_t last = digits.find_last_of("123456789");
+  if (first != std::string::npos && digits.find('.') != std::string::npos) {
+    const bool hasPoint = digits.find('.') > first && digits.find('.') < last;
+    Require(last + 1 - first <= DigitsOf(real) + (hasPoint ? 1 : 0),
+            "a number takes no more digits than it needs");
+  }
+  return text;
+}
+
+std::string PlainMoment(const SQL_TIMESTAMP_STRUCT& moment)
+{
+  char buffer[64];
+  (void)snprintf(buffer, sizeof(buffer), "%04d-%02u-%02u %02u:%02u:%02u.%09u", moment.year,
+                 moment.month, moment.day, moment.hour, moment.minute, moment.second,
+                 moment.fraction);
+  std::string text = buffer;
+  text.erase(text.find_last_not_of('0') + 1);
+  // Without a fraction the zeros end at the point; those of the seconds aren't reached.
+  if (text.back() == '.')
+    text.pop_back();
+  return text;
+}
+
+std::string PlainText(const Cell& cell)
+{
+  switch (cell.kind) {
+    case CellKind::Integer: return std::to_string(cell.integer);
+    case CellKind::Real: return CheckedRealText(cell.real);
+    case CellKind::Moment: return PlainMoment(cell.moment);
+    case CellKind::Binary: {
+      std::string digits;
+      for (const char byte : cell.bytes) {
+        char pair[3];
+        (void)snprintf(pair, sizeof(pair), "%02X", static_cast<unsigned char>(byte));
+        digits += pair;
+      }
+      return digits;
+    }
+    default: return std::string(cell.bytes);
+  }
+}
+
+// Bytes are what is stored where text isn't the column's own type; all else is wide text.
+std::string PlainBytes(const Cell& cell, SQLSMALLINT sqlType)
+{
+  if (cell.kind == CellKind::Binary || (cell.kind == CellKind::Text && !IsTextType(sqlType)))
+    return std::string(cell.bytes);
+  std::string bytes;
+  for (const char16_t unit : ToUtf16(PlainText(cell))) {
+    bytes += static_cast<char>(unit & 0xff);
+    bytes += static_cast<char>(unit >> 8);
+  }
+  return bytes;
 }
 
 Signed128 StoredInteger(const Converted& converted, const IntegerType& type)
@@ -177,7 +313,7 @@ std::string Digits(const SQL_NUMERIC_STRUCT& decimal)
 
 void CheckDecimal(const Converted& converted, const Cell& number, size_t scale)
 {
-  const std::string text = CellText(number);
+  const std::string text = PlainText(number);
   if (text.find_first_not_of("-0123456789.") != std::string::npos) {
     RequireRefused(converted);
     return;
@@ -279,7 +415,7 @@ void CheckText(const Converted& converted, const Cell& cell, const Text& text, s
   if (capacity == 0)
     return;
   // Where bytes of no character are cut is of no weight.
-  if (sizeof(Unit) == 1 && HasInvalidBytes(CellText(cell)) && text.size() >= capacity)
+  if (sizeof(Unit) == 1 && HasInvalidBytes(PlainText(cell)) && text.size() >= capacity)
     return;
   const size_t fits = UnitsThatFit(text, capacity - 1);
   Require(std::memcmp(converted.buffer.get(), text.data(), fits * sizeof(Unit)) == 0,
@@ -293,16 +429,14 @@ void CheckVariable(const Converted& converted, const Cell& cell, SQLSMALLINT cTy
                    SQLSMALLINT sqlType)
 {
   if (cType == SQL_C_BINARY) {
-    const std::string bytes = VariableBytes(cell, sqlType, cType);
+    const std::string bytes = PlainBytes(cell, sqlType);
     const size_t fits = std::min(bytes.size(), converted.size);
     Require(converted.length == static_cast<SQLLEN>(bytes.size()), "the length is the value's");
     Require(std::memcmp(converted.buffer.get(), bytes.data(), fits) == 0, "bytes are stored");
     Require((converted.result == SQL_SUCCESS) == (fits == bytes.size()), "a cut is told");
-    if (cell.kind == CellKind::Binary)
-      Require(bytes == cell.bytes, "bytes stay what they are");
     return;
   }
-  const std::string text = CellText(cell);
+  const std::string text = PlainText(cell);
   const bool isNumber = cell.kind == CellKind::Integer || cell.kind == CellKind::Real;
   const size_t least =
       isNumber || cell.kind == CellKind::Moment ? std::min(text.find('.'), text.size()) : 0;
@@ -343,19 +477,50 @@ void CheckFixed(const Converted& converted, const Cell& cell, const ColumnType& 
   }
 }
 
-// Numbers come back from their text.
-void CheckNumberText(const Cell& cell)
+bool IsSame(const Cell& left, const Cell& right)
 {
-  if (cell.kind == CellKind::Integer || (cell.kind == CellKind::Real && std::isfinite(cell.real))) {
-    Number number;
-    Require(ReadNumber(CellText(cell), number.isInteger, number.integer, number.real),
-            "the text of a number can be read");
-    const double expected =
-        cell.kind == CellKind::Integer ? static_cast<double>(cell.integer) : cell.real;
-    Require((number.isInteger ? static_cast<double>(number.integer) : number.real) == expected,
-            "a number comes back from its text");
-    Require(cell.kind == CellKind::Real || number.integer == cell.integer,
-            "an integer comes back from its text");
+  return left.kind == right.kind && left.integer == right.integer && left.bytes == right.bytes &&
+         std::bit_cast<uint64_t>(left.real) == std::bit_cast<uint64_t>(right.real) &&
+         CompareMoments(left.moment, right.moment) == 0;
+}
+
+// Yes and no of a stored value; nothing if it is neither.
+std::optional<bool> BitOf(const Cell& cell)
+{
+  std::string word;
+  for (const char character : cell.kind == CellKind::Text ? cell.bytes : std::string_view())
+    word += static_cast<char>(character >= 'A' && character <= 'Z' ? character + 32 : character);
+  if (word == "true" || word == "yes")
+    return true;
+  if (word == "false" || word == "no")
+    return false;
+  const std::optional<Number> number = NumberOf(cell);
+  if (!number)
+    return std::nullopt;
+  return number->isInteger ? number->integer != 0 : number->real != 0;
+}
+
+// A stored value becomes one of its column's type, or stays what it is.
+void CheckFitted(const Cell& stored, const Cell& fitted, SQLSMALLINT sqlType)
+{
+  const std::optional<bool> bit = sqlType == SQL_BIT ? BitOf(stored) : std::nullopt;
+  SQL_TIMESTAMP_STRUCT moment;
+  if (bit) {
+    Require(fitted.kind == CellKind::Integer && fitted.integer == (*bit ? 1 : 0),
+            "a bit is 0 or 1");
+  } else if (sqlType == SQL_TYPE_TIMESTAMP && stored.kind == CellKind::Text &&
+             ReadMoment(stored.bytes, moment)) {
+    Require(fitted.kind == CellKind::Moment && CompareMoments(fitted.moment, moment) == 0,
+            "a date is the one of its text");
+  } else if (IsBinaryType(sqlType) && stored.kind == CellKind::Text) {
+    Require(fitted.kind == CellKind::Binary && fitted.bytes == stored.bytes, "text becomes bytes");
+  } else if (IsTextType(sqlType) && stored.kind == CellKind::Binary) {
+    Require(fitted.kind == CellKind::Text && fitted.bytes == stored.bytes, "bytes become text");
+  } else if (sqlType != SQL_BIT || stored.kind != CellKind::Text) {
+    Require(IsSame(stored, fitted), "what doesn't fit its type stays as it is");
+  } else {
+    Require(fitted.kind == CellKind::Text && fitted.bytes == stored.bytes,
+            "a text that is no bit stays as it is");
   }
 }
 
@@ -427,8 +592,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
   const bool fits = input.ConsumeBool();
   std::string bytes;
   Cell cell = AnyCell(input, bytes);
-  if (fits)
+  if (fits) {
+    const Cell stored = cell;
     FitToType(cell, column.type->sqlType);
+    CheckFitted(stored, cell, column.type->sqlType);
+  }
   const bool isDefault = asked == SQL_C_DEFAULT || asked == SQL_ARD_TYPE;
   const SQLSMALLINT cType = isDefault ? DefaultCType(column.type->sqlType) : asked;
 
@@ -439,7 +607,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             "NULL goes to the indicator alone");
     return 0;
   }
-  CheckNumberText(cell);
   if (IsVariableCType(cType))
     CheckVariable(converted, cell, cType, column.type->sqlType);
   else
