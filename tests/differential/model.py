@@ -424,7 +424,7 @@ class Database:
         names = []
         for value in self.info_rows(table, "LanguageDependent"):
             for entry in tokens(value, ";")[1:]:
-                # A name of one character stays visible.
+                # Shorter ones aren't taken for columns of a language.
                 names += [name for name in tokens(entry, ",") if length(name) > 1]
         return names
 
