@@ -10,6 +10,8 @@ import random
 import sys
 import threading
 
+sys.dont_write_bytecode = True  # the sources' folder stays as it is
+
 from sites import candidates, changeable_lines
 from trial import (PLAIN, PROGRAMS, SANITIZED, Build, Scratch, TreeCopy, UnitTests,
                    differential_suite, now, program_suite)
@@ -156,20 +158,20 @@ def is_header(site):
 
 
 def key_of(site):
-    return site.file, site.before, site.after
+    return site.file, str(site.number), site.before, site.after
 
 
 def read_judgements(file):
-    """(file, line, changed line): why the change makes no difference."""
+    """(file, number, line, changed line): why the change makes no difference."""
     judged = {}
     with open(file, encoding="utf-8") as stream:
         for number, line in enumerate(stream, 1):
             if line.startswith("#") or not line.strip():
                 continue
             columns = line.rstrip("\n").split("\t")
-            if len(columns) != 4 or len(columns[3]) < 20:
-                raise SystemExit(f"{file}:{number}: four columns, of which the last one tells why")
-            judged[tuple(columns[:3])] = columns[3]
+            if len(columns) != 5 or len(columns[4]) < 20:
+                raise SystemExit(f"{file}:{number}: five columns, of which the last one tells why")
+            judged[tuple(columns[:4])] = columns[4]
     return judged
 
 
@@ -190,9 +192,9 @@ def sample(trials, options):
 def again(trials, options):
     """The changes that the last run left, as far as they can still be made."""
     with open(options.results, encoding="utf-8") as stream:
-        wanted = {tuple(line.rstrip("\n").split("\t")[1:4]) for line in stream
+        wanted = {tuple(line.rstrip("\n").split("\t")[1:5]) for line in stream
                   if line.startswith("left\t")}
-    files = sorted({file for file, _, _ in wanted})
+    files = sorted({file for file, *_ in wanted})
     sites = [site for file in files
              for site in candidates(file, trials.tree.read(file), options.seed)
              if key_of(site) in wanted]

@@ -5,7 +5,7 @@ The sources are formatted: an operator of two operands stands between blanks, th
 template don't."""
 import random
 import re
-from collections import namedtuple
+from collections import Counter, namedtuple
 
 TOKEN = re.compile(r"""
     (?P<skip>\s+ | //[^\n]* | /\*.*?\*/ | ^\#(?:[^\n\\]|\\.)*)
@@ -42,9 +42,10 @@ KEYWORDS = {"if", "while", "for", "switch", "return", "sizeof", "catch", "else",
             "throw", "template", "static_assert", "extern", "std", "try", "new", "__extension__"}
 
 Token = namedtuple("Token", "kind text start end")
-# The characters from start to end are replaced. A site is told again by its file and two texts: the
-# lines that it touches, before and after, without their indentation.
-Site = namedtuple("Site", "file kind start end replacement before after")
+# The characters from start to end are replaced. A site is told again by its file and two texts, the
+# lines that it touches, before and after, without their indentation, and by its number among the
+# places of the file where these are the same.
+Site = namedtuple("Site", "file kind start end replacement before after number")
 
 
 class Source:
@@ -102,9 +103,15 @@ class Source:
         last = self.text.find("\n", end)
         before = " ".join(self.text[first:last].split())
         after = " ".join((self.text[first:start] + replacement + self.text[end:last]).split())
-        return Site(self.file, kind, start, end, replacement, before, after)
+        return Site(self.file, kind, start, end, replacement, before, after, None)
 
     def sites(self, choice):
+        alike = Counter()
+        for site in self.all_sites(choice):
+            alike[site.before, site.after] += 1
+            yield site._replace(number=alike[site.before, site.after])
+
+    def all_sites(self, choice):
         for i, token in enumerate(self.tokens):
             if i in self.excluded:
                 continue

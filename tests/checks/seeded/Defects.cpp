@@ -1,5 +1,6 @@
-// Three defects that every analyser has to report. Nothing builds this file: it shows that a tool
-// which reports nothing elsewhere has looked.
+// Defects that the analysers have to report: the first two each of them, the last one those that
+// look for it. Nothing builds this file: it shows that a tool which reports nothing elsewhere has
+// looked.
 #include <stdlib.h>
 #include <string.h>
 

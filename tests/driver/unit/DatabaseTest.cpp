@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <climits>
+#include <cstdio>
 #include <thread>
 
 #include "driver/Catalogue.h"
@@ -67,6 +69,16 @@ protected:
     EXPECT_EQ(sqlite3_open(path.c_str(), &foreign), SQLITE_OK);
     EXPECT_EQ(sqlite3_exec(foreign, sql, nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(foreign);
+  }
+
+  // Makes the file one that is read with a log, and gives it a name to which the ending of the
+  // log's doesn't fit. Returns its path.
+  std::string MakeLoggedFileOfALongName()
+  {
+    Execute("PRAGMA journal_mode=WAL");
+    std::string longPath = folder.File(std::string(NAME_MAX - 3, 'n'));
+    EXPECT_EQ(rename(path.c_str(), longPath.c_str()), 0);
+    return longPath;
   }
 
   std::unique_ptr<Database> Open(const std::string& file)
@@ -132,6 +144,26 @@ TEST_F(DatabaseTest, FileWithALogInAReadOnlyFolderIsReadByItsOddName)
   }
   chmod(folder.Path().c_str(), 0755);
   EXPECT_EQ(FileBytes(path), before);
+}
+
+TEST_F(DatabaseTest, FileWhoseNameLeavesNoRoomForThatOfItsLogIsRead)
+{
+  const std::string longPath = MakeLoggedFileOfALongName();
+  const auto database = Open(longPath);
+  ASSERT_NE(database, nullptr) << diagnostics.Record(0).message;
+  EXPECT_EQ(CountRows(*database), 1);
+  EXPECT_TRUE(database->IsReadOnly());
+  EXPECT_EQ(folder.Names().size(), 1U);
+}
+
+TEST_F(DatabaseTest, FileWithALogThatCanNotBeOpenedByItselfIsRefused)
+{
+  // It would be opened as a URI, where two slashes are followed by a host.
+  EXPECT_EQ(Open("/" + MakeLoggedFileOfALongName()), nullptr);
+  EXPECT_EQ(State(), "08001");
+  const DiagnosticRecord& record = diagnostics.Record(0);
+  EXPECT_EQ(record.nativeCode, SQLITE_ERROR);
+  EXPECT_NE(record.message.find("authority"), std::string::npos) << record.message;
 }
 
 TEST_F(DatabaseTest, JournalThatNobodyNeedsIsRemoved)

@@ -2,7 +2,24 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <new>
+
+#include "tests/driver/OdbcCalls.h"
+
 namespace {
+
+// How many more allocations of this program, and of the driver in it, succeed; all if negative.
+int allocationsLeft = -1;
+
+class AllocationLimit
+{
+public:
+  explicit AllocationLimit(int count) { allocationsLeft = count; }
+  ~AllocationLimit() { allocationsLeft = -1; }
+  AllocationLimit(const AllocationLimit&) = delete;
+  AllocationLimit& operator=(const AllocationLimit&) = delete;
+};
 
 class Object : public DriverObject
 {
@@ -22,6 +39,45 @@ std::string FirstState(const Diagnostics& diagnostics)
 }
 
 }  // namespace
+
+void* operator new(size_t size)
+{
+  void* const memory = allocationsLeft == 0 ? nullptr : malloc(size > 0 ? size : 1);
+  if (memory == nullptr)
+    throw std::bad_alloc();
+  if (allocationsLeft > 0)
+    --allocationsLeft;
+  return memory;
+}
+
+void operator delete(void* memory) noexcept
+{
+  free(memory);
+}
+
+void operator delete(void* memory, size_t) noexcept
+{
+  free(memory);
+}
+
+TEST(Handles, EnvironmentThatMemoryDoesNotSufficeForIsAnErrorWithoutAHandle)
+{
+  const OdbcCalls& driver = DriverCalls(false);
+  int failures = 0;
+  SQLHENV environment = nullptr;
+  const auto allocate = [&] {
+    environment = &environment;  // anything but null
+    const AllocationLimit limit(failures);
+    return driver.AllocHandle(SQL_HANDLE_ENV, nullptr, &environment);
+  };
+  for (SQLRETURN result = allocate(); result != SQL_SUCCESS; result = allocate()) {
+    EXPECT_EQ(result, SQL_ERROR);
+    EXPECT_EQ(environment, nullptr);
+    ASSERT_LT(++failures, 100);
+  }
+  EXPECT_GT(failures, 0);
+  EXPECT_EQ(driver.FreeHandle(SQL_HANDLE_ENV, environment), SQL_SUCCESS);
+}
 
 TEST(Handles, CallThatMemoryDoesNotSufficeForIsToldAsSuch)
 {
