@@ -10,6 +10,8 @@ process, and is taken away from the other two before the time per connection is 
 import statistics
 import sys
 
+sys.dont_write_bytecode = True  # the sources' folder stays as it is
+
 from launch_ratio import name_of, run
 
 

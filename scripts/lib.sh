@@ -27,7 +27,7 @@ step() {
   exit 1
 }
 
-# Debian packages that the two commands need, and nothing else is installed by hand.
+# Debian packages that the scripts need; nothing is installed by hand.
 build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix wine64 libwine-dev wixl)
 driver_packages=(unixodbc unixodbc-dev libsqlite3-dev libutf8proc-dev python3-pyodbc)
 test_packages=(googletest clang clang-format clang-tidy libclang-rt-14-dev)
