@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Fails when the page for administrators leaves something out: a text that production code traces
-(which may stand in the page about patches instead), a registry key or value, or a path.
+"""Fails when the page for administrators leaves something out: a text that production code traces,
+a registry key or value, or a path.
 
   operating_page.py SOURCE_FOLDER | operating_page.py --self-test
 """
@@ -67,7 +67,6 @@ def read_page(path):
 
 def check(root):
     own = read_page(os.path.join(root, 'docs/operating.md'))
-    both = own + read_page(os.path.join(root, 'docs/patch-tables.md'))
     traces, missing, paths = set(), [], set()
     for folder in FOLDERS:
         for entry in sorted(os.listdir(os.path.join(root, folder))):
@@ -80,7 +79,7 @@ def check(root):
     if not traces or not paths:
         return ['No trace or no path was found in the sources']
     for name, text in sorted(traces):
-        if not is_traced_in(both, text):
+        if not is_traced_in(own, text):
             missing.append(f'{name} traces what no page tells: {text}')
     for name, text in sorted(paths):
         if text.lower() not in own.lower():
@@ -107,8 +106,7 @@ void E() { Open(L"Software\\\\Deep\\\\"); }
         with tempfile.TemporaryDirectory() as root:
             for folder in FOLDERS + ('docs',):
                 os.mkdir(os.path.join(root, folder))
-            for name, content in (('patch/A.cpp', code), ('docs/operating.md', text),
-                                  ('docs/patch-tables.md', '')):
+            for name, content in (('patch/A.cpp', code), ('docs/operating.md', text)):
                 with open(os.path.join(root, name), 'w', encoding='utf-8') as file:
                     file.write(content)
             try:
