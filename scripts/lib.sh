@@ -37,9 +37,9 @@ proof_packages=(python3 llvm cppcheck)
 
 # use_wine_prefix FOLDER makes the prefix there if need be and holds its server until the script ends.
 # Locale and overrides are those of the tests.
-wine=/usr/lib/wine/wine64
+wine=$root/tests/wine/wine
 use_wine_prefix() {
-  export WINEPREFIX=$1 WINEDEBUG=-all LC_ALL=C.UTF-8
+  export WINEPREFIX=$1 WINEDEBUG=-all,err+virtual LC_ALL=C.UTF-8
   export WINEDLLOVERRIDES='mscoree,mshtml,winemenubuilder.exe='
   unset DISPLAY
   step 'Wine prefix' tests/wine/prefix.sh begin "$WINEPREFIX"

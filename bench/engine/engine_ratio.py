@@ -25,7 +25,7 @@ import sys
 import engine_data
 import engine_plot
 
-WINE_LOADER = "/usr/lib/wine/wine64"
+WINE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../tests/wine/wine")
 
 # glibc gives the end of the heap back to the system, and gets it again, for each row or for none:
 # that depends on what happens to lie there, and would be a difference of its own.
@@ -263,7 +263,7 @@ def main():
     os.makedirs(folder, exist_ok=True)
     data = data_folder(os.path.abspath(folder), plan)
     platforms = [Platform("native", native, [], ""),
-                 Platform("Wine", windows, [WINE_LOADER], ".exe")]
+                 Platform("Wine", windows, [WINE], ".exe")]
     lines = []
     print_head(platforms)
     try:

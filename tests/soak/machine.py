@@ -8,7 +8,7 @@ import subprocess
 import tempfile
 import time
 
-WINE = "/usr/lib/wine/wine64"
+WINE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../wine/wine")
 HOME = r"C:\Program Files\Norvane\Kestrelforge 2010"
 DATA = r"C:\ProgramData\Kestrelforge"
 HOST_REPORT = r"C:\Program Files\AutoCAD 2010\ACAD.report.txt"

@@ -7,7 +7,7 @@ set(KESTREL_WINE_PREFIX ${CMAKE_BINARY_DIR}/wineprefix)
 # so that nothing has to be registered on the machine itself. No browser, .NET or menu entries are wanted in a prefix.
 set(KESTREL_WINE_ENVIRONMENT
   "WINEPREFIX=${KESTREL_WINE_PREFIX}"
-  "WINEDEBUG=-all"
+  "WINEDEBUG=-all,err+virtual"
   "WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe="
   "LC_ALL=C.UTF-8"
   "ODBCSYSINI=${KESTREL_DRIVER_FOLDER}")

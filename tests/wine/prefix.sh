@@ -5,7 +5,7 @@ set -euo pipefail
 
 action=$1
 export WINEPREFIX=$2
-wine=/usr/lib/wine/wine64
+wine=$(dirname "${BASH_SOURCE[0]}")/wine
 server=/usr/lib/wine/wineserver
 mark=$WINEPREFIX/made
 
