@@ -12,14 +12,15 @@ import subprocess
 import sys
 import time
 
+ADDR_NO_RANDOMIZE = 0x0040000
 MARK = f"KESTREL_WINE_START={os.getpid()}"
 LONGEST_START = 20  # seconds
 
 
-def read(pid, name):
-    """What the kernel tells about a process, empty if it has ended."""
+def read(folder, name):
+    """What the kernel tells there, empty about a process that has ended."""
     try:
-        with open(f"/proc/{pid}/{name}", "rb") as file:
+        with open(f"/proc/{folder}/{name}", "rb") as file:
             return file.read().decode(errors="replace")
     except OSError:
         return ""
@@ -64,11 +65,22 @@ def gaps_of_two(wine):
     return list(now.values())
 
 
+def may_do_without_chance():
+    command = ["setarch", "-R", "true"]
+    return subprocess.run(command, stderr=subprocess.DEVNULL, check=False).returncode == 0
+
+
+def has_chance():
+    """Whether a program that says nothing of it gets a heap at random."""
+    return (read("sys", "kernel/randomize_va_space").strip() == "2" and
+            not int(read("self", "personality"), 16) & ADDR_NO_RANDOMIZE)
+
+
 def main():
     wine = sys.argv[1]
     by_chance = "--by-chance" in sys.argv[2:]
-    if subprocess.run(["setarch", "-R", "true"], stderr=subprocess.DEVNULL, check=False).returncode:
-        print("This machine doesn't let a program do without chance.")
+    if not may_do_without_chance() or (by_chance and not has_chance()):
+        print("This machine gives no choice between chance and none.")
         return
     gaps = gaps_of_two(wine)
     print("Bytes between the loader and its heap:", *gaps)
